@@ -1,0 +1,22 @@
+#include "engine/params/param_ranges.h"
+
+#include <cmath>
+
+namespace zre {
+
+const ParamRange* findParamRange(const std::string& name)
+{
+    const auto row = std::find_if(kParamRanges.begin(), kParamRanges.end(),
+                                  [&](const ParamRange& r) { return name == r.name; });
+    return row == kParamRanges.end() ? nullptr : &*row;
+}
+
+double clampParam(const std::string& name, double value)
+{
+    const ParamRange* row = findParamRange(name);
+    if (!row)
+        return value;
+    return std::isnan(value) ? row->def : std::clamp(value, row->min, row->max);
+}
+
+} // namespace zre
