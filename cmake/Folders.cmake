@@ -5,6 +5,7 @@
 function(zr_folder)
     cmake_parse_arguments(ARG "" "NAME;FOLDER" "SOURCES;EDGES;LINK" ${ARGN})
     add_library(${ARG_NAME} OBJECT ${ARG_SOURCES})
+    set_target_properties(${ARG_NAME} PROPERTIES LINKER_LANGUAGE CXX)
     target_link_libraries(${ARG_NAME} PUBLIC zr_flags ${ARG_EDGES} ${ARG_LINK})
     list(JOIN ARG_EDGES " " edges)
     set_property(GLOBAL APPEND PROPERTY ZR_LAYERS "${ARG_FOLDER} ${ARG_NAME} ${edges}")

@@ -7,7 +7,8 @@
 
 namespace acl {
 
-/// A FITS header keyword as it travels in image files: the value is FITS text, strings still in their quotes.
+/// A FITS header keyword as it travels in image files: the value is FITS text, strings still in
+/// their quotes.
 struct FITSKeyword
 {
     std::string name;
@@ -15,7 +16,8 @@ struct FITSKeyword
     std::string comment;
 };
 
-/// An XISF property reduced to what astrometry needs: text, or numbers (a scalar is one; a matrix stands row by row).
+/// An XISF property reduced to what astrometry needs: text, or numbers (a scalar is one; a matrix
+/// stands row by row).
 struct Property
 {
     std::string id;

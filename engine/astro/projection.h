@@ -19,10 +19,11 @@ struct Point
     double y = 0.0;
 };
 
-/// The rotation between native and celestial spheres (FITS WCS Paper II, Calabretta & Greisen 2002).
+/// The rotation between native and celestial spheres (FITS WCS Paper II, Calabretta & Greisen
+/// 2002).
 struct SphericalRotation
 {
-    double poleRa = 0.0;       ///< celestial position of the native pole
+    double poleRa = 0.0; ///< celestial position of the native pole
     double poleDec = 90.0;
     double nativePoleLongitude = 180.0; ///< LONPOLE
 

@@ -6,11 +6,13 @@
 
 namespace acl {
 
-/// Image pixels to projection plane in degrees: X = a[0] x + a[1] y + a[2], Y = a[3] x + a[4] y + a[5].
+/// Image pixels to projection plane in degrees: X = a[0] x + a[1] y + a[2], Y = a[3] x + a[4] y +
+/// a[5].
 class LinearWorldTransformation
 {
 public:
-    /// Throws "Invalid call to LinearTransformation::Inverse(): Singular matrix" when there is no inverse.
+    /// Throws "Invalid call to LinearTransformation::Inverse(): Singular matrix" when there is no
+    /// inverse.
     explicit LinearWorldTransformation(const std::array<double, 6>& imageToPlane);
 
     Point toPlane(Point image) const;

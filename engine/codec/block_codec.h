@@ -18,17 +18,19 @@ struct BlockCompression
 };
 
 /// Reads the text of a `compression` attribute; `defaultItemSize` holds when it names none.
-/// False with "malformed XISF compression attribute." for fewer than two fields or an item size of 0. A
-/// non-numeric field throws std::invalid_argument, one beyond 64 bits std::out_of_range.
-bool parseBlockCompression(const std::string& text, std::uint64_t defaultItemSize, BlockCompression& out,
-                           std::string* error);
+/// False with "malformed XISF compression attribute." for fewer than two fields or an item size of
+/// 0. A non-numeric field throws std::invalid_argument, one beyond 64 bits std::out_of_range.
+bool parseBlockCompression(const std::string& text, std::uint64_t defaultItemSize,
+                           BlockCompression& out, std::string* error);
 
-/// Undoes compression and shuffling of `block` into `out`. A size that the codec cannot reach from so few bytes is
-/// refused with the codec's own failure text before anything is allocated. `out` changes only on success.
+/// Undoes compression and shuffling of `block` into `out`. A size that the codec cannot reach from
+/// so few bytes is refused with the codec's own failure text before anything is allocated. `out`
+/// changes only on success.
 bool decompressBlock(std::span<const std::uint8_t> block, const BlockCompression& how,
                      std::vector<std::uint8_t>& out, std::string* error);
 
-/// Undoes a byte shuffle: output byte i*item + j is input byte j*(n/item) + i; the rest is copied as it stands.
+/// Undoes a byte shuffle: output byte i*item + j is input byte j*(n/item) + i; the rest is copied
+/// as it stands.
 void unshuffle(std::span<const std::uint8_t> in, std::uint64_t itemSize, std::uint8_t* out);
 
 } // namespace zre

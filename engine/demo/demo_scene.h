@@ -13,7 +13,7 @@ struct DemoStar
 {
     double x = 0.0; ///< pixel index coordinates: a value's position is its integer index
     double y = 0.0;
-    float peak = 0.0f; ///< of the brightest channel
+    float peak = 0.0f;  ///< of the brightest channel
     float sigma = 0.0f; ///< of the core, pixels
     float depth = 0.0f;
     float r = 0.0f; ///< colour, the brightest channel is 1
@@ -29,8 +29,8 @@ struct DemoSceneOptions
     int stars = -1; ///< below 0: as many as suit the size
 };
 
-/// The program's own photograph: an emission nebula with dust lanes and ridges, a coloured star field with halos
-/// and a cluster, and the truth behind it.
+/// The program's own photograph: an emission nebula with dust lanes and ridges, a coloured star
+/// field with halos and a cluster, and the truth behind it.
 struct DemoScene
 {
     Image picture;  ///< RGB, 0 to 1, display-referred
@@ -40,8 +40,8 @@ struct DemoScene
     Wcs wcs;
 };
 
-/// Paints the scene from its seed: the same options give the same bits on every machine. Sizes are bound to 16 to
-/// 32768 a side. `progress` as in `image.h`.
+/// Paints the scene from its seed: the same options give the same bits on every machine. Sizes are
+/// bound to 16 to 32768 a side. `progress` as in `image.h`.
 DemoScene makeDemoScene(const DemoSceneOptions& options, const Progress& progress = {});
 
 } // namespace zre

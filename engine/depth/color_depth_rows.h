@@ -16,7 +16,8 @@ struct ColorDepthRow
     float depth = 0.5f;
 };
 
-/// Reads rows "enabled,r,g,b,tolerance,depth" joined by ";". A piece that does not give all six fields is dropped.
+/// Reads rows "enabled,r,g,b,tolerance,depth" joined by ";". A piece that does not give all six
+/// fields is dropped.
 void parseColorDepthRows(const std::string& text, std::vector<ColorDepthRow>& rows);
 
 /// The text of `rows` that `parseColorDepthRows` reads, with four decimals.

@@ -12,7 +12,7 @@ struct ImageFileInfo
     int width = 0;
     int height = 0;
     int channels = 0;
-    int bitDepth = 0;   ///< of one sample as stored
+    int bitDepth = 0;    ///< of one sample as stored
     bool linear = false; ///< the data are linear: a picture of them wants a stretch
 };
 

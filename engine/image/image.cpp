@@ -5,7 +5,10 @@
 namespace zre {
 
 Image::Image(int w, int h, int model)
-    : width(std::max(w, 0)), height(std::max(h, 0)), channels(model == 1 ? 3 : 1), colorModel(model)
+    : width(std::max(w, 0))
+    , height(std::max(h, 0))
+    , channels(model == 1 ? 3 : 1)
+    , colorModel(model)
 {
     data.resize(pixelCount() * static_cast<std::size_t>(channels));
 }

@@ -4,7 +4,8 @@
 
 namespace zre {
 
-/// A midtones stretch of linear data: v' = mtf(midtones, clamp((v - shadows) / (1 - shadows), 0, 1)).
+/// A midtones stretch of linear data: v' = mtf(midtones, clamp((v - shadows) / (1 - shadows), 0,
+/// 1)).
 struct MidtonesStretch
 {
     double shadows = 0.0;
@@ -13,12 +14,13 @@ struct MidtonesStretch
     bool isIdentity() const { return shadows == 0.0 && midtones == 0.5; }
 };
 
-/// The midtones transfer function: maps 0 to 0, `midtones` to 0.5 and 1 to 1; a rational curve between.
+/// The midtones transfer function: maps 0 to 0, `midtones` to 0.5 and 1 to 1; a rational curve
+/// between.
 double midtonesTransfer(double midtones, double value);
 
-/// The stretch that brings the median of `img`, over all its channels alike, to `targetBackground`, with the
-/// shadows clipped 2.8 normalised median deviations below the median. One stretch serves all channels, so that
-/// the colours stay as they are. The identity for an unusable or flat image.
+/// The stretch that brings the median of `img`, over all its channels alike, to `targetBackground`,
+/// with the shadows clipped 2.8 normalised median deviations below the median. One stretch serves
+/// all channels, so that the colours stay as they are. The identity for an unusable or flat image.
 MidtonesStretch autoStretch(const Image& img, double targetBackground = 0.25);
 
 /// Applies `stretch` to every sample of `img` in place; the result lies in 0 to 1.

@@ -1,12 +1,14 @@
 #pragma once
 
-/// Marks an out-of-line pixel kernel of which a second clone for wider vectors is made and chosen at run time.
+/// Marks an out-of-line pixel kernel of which a second clone for wider vectors is made and chosen
+/// at run time.
 ///
-/// Both clones give the same bits (no contraction, no reordering of sums). Kept out of line, because GCC loses the
-/// `__restrict` information, and with it the vectors, when it inlines such a kernel. Sanitizers and clang cannot
-/// resolve clones this early in the process; there the plain form runs.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) &&              \
-    !defined(__SANITIZE_THREAD__)
+/// Both clones give the same bits (no contraction, no reordering of sums). Kept out of line,
+/// because GCC loses the
+/// `__restrict` information, and with it the vectors, when it inlines such a kernel. Sanitizers and
+/// clang cannot resolve clones this early in the process; there the plain form runs.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) &&                             \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define ZR_MULTIVERSION __attribute__((target_clones("avx2", "default"), noinline))
 #else
 #define ZR_MULTIVERSION __attribute__((noinline))

@@ -9,7 +9,8 @@
 
 namespace zre {
 
-/// The legal range and default of one parameter: the single truth for sliders, clamping and the defaults.
+/// The legal range and default of one parameter: the single truth for sliders, clamping and the
+/// defaults.
 struct ParamRange
 {
     const char* name;
@@ -104,7 +105,8 @@ static_assert(std::all_of(kParamRanges.begin(), kParamRanges.end(), [](const Par
 /// The row of `name`, or null.
 const ParamRange* findParamRange(const std::string& name);
 
-/// `value` bound to the range of `name`; as it was for a name without a range. A NaN becomes the default.
+/// `value` bound to the range of `name`; as it was for a name without a range. A NaN becomes the
+/// default.
 double clampParam(const std::string& name, double value);
 
 } // namespace zre

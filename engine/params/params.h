@@ -9,8 +9,9 @@ namespace zre {
 
 /// Every slider, switch and mode that decides how a depth map and a stereo image are made.
 ///
-/// The names are the keys of the text form. Ranges stand in `kParamRanges`, meanings in the parameter table of the
-/// text form. `syntheticStars` and `sourceIsStarless` are set by the program and never stored.
+/// The names are the keys of the text form. Ranges stand in `kParamRanges`, meanings in the
+/// parameter table of the text form. `syntheticStars` and `sourceIsStarless` are set by the program
+/// and never stored.
 struct ZRParams
 {
     // Luminance, structure and narrowband cues

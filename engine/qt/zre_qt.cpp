@@ -4,8 +4,8 @@
 
 namespace zre_qt {
 
-// Clamped before the conversion: a float beyond the int range has no defined conversion, and a NaN fails the first
-// comparison.
+// Clamped before the conversion: a float beyond the int range has no defined conversion, and a NaN
+// fails the first comparison.
 static uchar byteOf(float v)
 {
     const float scaled = v * 255.0f + 0.5f;
@@ -47,7 +47,8 @@ zre::Image fromQImage(const QImage& picture)
         const uchar* in = rgb.constScanLine(y);
         for (int x = 0; x < image.width; ++x, in += 3)
             for (int c = 0; c < 3; ++c)
-                image.plane(c)[row + static_cast<std::size_t>(x)] = static_cast<float>(in[c]) * 0.003921569f;
+                image.plane(c)[row + static_cast<std::size_t>(x)] =
+                    static_cast<float>(in[c]) * 0.003921569f;
     }
     return image;
 }

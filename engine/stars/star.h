@@ -4,7 +4,8 @@
 
 namespace zre {
 
-/// One star of the star layer: where it stands, how deep, how bright, and a cut-out of its own light.
+/// One star of the star layer: where it stands, how deep, how bright, and a cut-out of its own
+/// light.
 struct Star
 {
     double x = 0.0; ///< flux-weighted centroid, image pixels
@@ -16,10 +17,11 @@ struct Star
     int boxY = 0;
     int boxW = 0;
     int boxH = 0;
-    int channels = 0;          ///< of the sprite, equal to the source image's
-    bool erased = false;       ///< every bit of its light was erased
-    std::vector<float> sprite; ///< interleaved light, background removed, `boxW` by `boxH` by `channels`
-    std::vector<float> alpha;  ///< coverage, 0 to 1, one value a pixel
+    int channels = 0;    ///< of the sprite, equal to the source image's
+    bool erased = false; ///< every bit of its light was erased
+    std::vector<float>
+        sprite; ///< interleaved light, background removed, `boxW` by `boxH` by `channels`
+    std::vector<float> alpha; ///< coverage, 0 to 1, one value a pixel
 };
 
 } // namespace zre

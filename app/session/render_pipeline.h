@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+
+#include <QString>
+
+#include "app/session/keyed.h"
+#include "app/session/session.h"
+#include "engine/image/image.h"
+#include "engine/params/depth_inputs.h"
+
+/// Channel gains of an anaglyph: exactly 1 in files, the trim of the user's glasses in the preview.
+struct AnaglyphGains
+{
+    double r = 1.0;
+    double g = 1.0;
+    double b = 1.0;
+};
+
+/// The only road from a session to depth, eyes and views, for the window and the headless tool
+/// alike.
+///
+/// Three depth levels (cues, anchor, final), each kept under its own text key and rebuilt only when
+/// that key changes. Runs on the caller's thread.
+class RenderPipeline
+{
+public:
+    /// How often each depth level was built since the pipeline was made.
+    struct LevelBuilds
+    {
+        int cues = 0;
+        int anchor = 0;
+        int final = 0;
+    };
+
+    /// `session` is not owned and must outlive the pipeline.
+    explicit RenderPipeline(Session& session);
+
+    /// Receives the stage of long steps: percent of the whole, and a text for the user.
+    void setStageReporter(std::function<void(int, const QString&)> reporter);
+
+    /// Brings the working image up to date: the image that depth and eyes are made from.
+    void prepareInputs();
+    const zre::Image& working() const;
+
+    QString depthCacheKey(bool includeModel, bool includeAnchor) const;
+    /// The final depth level, up to date; null without a source.
+    const zre::Image* cachedDepth();
+    /// Cue and anchor levels only, without the depth model.
+    void computeCleanDepth(zre::Image& out);
+
+    /// Renders output view `view` at full size and gives its status text. False, with `out` as it
+    /// was, without a source or for a view that does not exist.
+    bool renderView(int view, const AnaglyphGains& gains, zre::Image& out, QString* status);
+    /// One viewpoint of the parallax motion by the session's parameters. False without a source.
+    bool renderWiggle(int frame, zre::Image& out);
+
+    LevelBuilds levelBuilds() const { return builds; }
+
+private:
+    void stage(int percent, const QString& text) const;
+    zre::DepthInputs depthInputs() const;
+
+    Session& session;
+    std::function<void(int, const QString&)> stageReporter;
+    Keyed<zre::Image> cueDepth;
+    Keyed<zre::Image> anchoredDepth;
+    Keyed<zre::Image> finalDepth;
+    LevelBuilds builds;
+};
