@@ -37,8 +37,11 @@ private:
 class CacheKey
 {
 public:
-    CacheKey& text(const QString& field)
+    /// A "|" inside a field is escaped, so that free text cannot pass for further fields.
+    CacheKey& text(QString field)
     {
+        field.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
+        field.replace(QLatin1Char('|'), QLatin1String("\\|"));
         fields << field;
         return *this;
     }

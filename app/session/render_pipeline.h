@@ -25,6 +25,9 @@ struct AnaglyphGains
 class RenderPipeline
 {
 public:
+    /// Percent at which the stages reported by a pipeline begin; they end at 100.
+    static constexpr int kFirstPercent = 72;
+
     /// How often each depth level was built since the pipeline was made.
     struct LevelBuilds
     {
@@ -43,6 +46,9 @@ public:
     void prepareInputs();
     const zre::Image& working() const;
 
+    /// The key of the cue level (false, false), the anchor level (false, true) or the final level
+    /// (true, true): it differs whenever that level's image can differ. A session holds no depth
+    /// model so far, so that `includeModel` adds nothing.
     QString depthCacheKey(bool includeModel, bool includeAnchor) const;
     /// The final depth level, up to date; null without a source.
     const zre::Image* cachedDepth();
@@ -59,12 +65,19 @@ public:
 
 private:
     void stage(int percent, const QString& text) const;
+    zre::Progress eyeProgress() const;
     zre::DepthInputs depthInputs() const;
+    void buildCues(zre::Image& out);
+    const zre::Image& anchoredLevel();
+    void renderDepthView(zre::Image& out, QString* status);
+    void renderPair(zre::Image& out, QString* status);
+    void renderAnaglyphView(const AnaglyphGains& gains, zre::Image& out, QString* status);
 
     Session& session;
     std::function<void(int, const QString&)> stageReporter;
     Keyed<zre::Image> cueDepth;
     Keyed<zre::Image> anchoredDepth;
     Keyed<zre::Image> finalDepth;
+    Keyed<double> depthMedian; ///< of `finalDepth`
     LevelBuilds builds;
 };

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+#include "app/session/session.h"
+#include "engine/qt/image_file.h"
+
+/// Decodes `path` and makes it the session's source, with its solution.
+///
+/// `preview` (may be null) receives the decoder's 8-bit picture. Errors: false with the decoder's
+/// message in `error` (may be null), and the session and `preview` as they were.
+bool openSource(const QString& path, StretchMode stretch, Session& session, QImage* preview,
+                QString* error);
+
+/// Decodes `path` and makes it the session's external depth map, of one channel, never stretched.
+/// Errors as `openSource`. Parameters stay: whether the map counts is theirs to say.
+bool openDepthMap(const QString& path, Session& session, QString* error);
+
+/// The depths of a picture: a grey picture's own values bit for bit, or the luma 0.299 R + 0.587 G
+/// + 0.114 B of a coloured one, whose greys keep their value. (CIE lightness would bend them.) An
+/// image that is not usable stays as it is.
+zre::Image depthPlane(zre::Image picture);

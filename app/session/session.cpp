@@ -1,0 +1,20 @@
+#include "app/session/session.h"
+
+#include <utility>
+
+void Session::installSource(QString path, zre::Image image, zre::Wcs solution, DecodedFile file)
+{
+    sourcePath = std::move(path);
+    source = std::move(image);
+    sourceFile = std::move(file);
+    wcs = std::move(solution);
+    ++generation;
+}
+
+void Session::installExternalDepth(QString path, zre::Image image)
+{
+    const bool usable = image.usable();
+    depthMapPath = usable ? std::move(path) : QString();
+    externalDepth = usable ? std::move(image) : zre::Image();
+    ++generation;
+}
