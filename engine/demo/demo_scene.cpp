@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kGridPoints = 6.0e6; // the nebula is painted on at most about so many
 constexpr double kPixelsPerStar = 900.0;
+constexpr int kMostStars = 2000000;
 constexpr double kCentreRaDeg = 98.0;
 constexpr double kCentreDecDeg = 4.9;
 constexpr double kWidthDeg = 1.6;
@@ -26,10 +27,11 @@ int boundSide(int side)
     return std::clamp(side, 16, 32768);
 }
 
-int defaultStars(int width, int height)
+int starCount(int wanted, int width, int height)
 {
-    const double pixels = static_cast<double>(width) * height;
-    return static_cast<int>(pixels / kPixelsPerStar);
+    if (wanted >= 0)
+        return std::min(wanted, kMostStars);
+    return static_cast<int>(static_cast<double>(width) * height / kPixelsPerStar);
 }
 
 float gridStep(int width, int height)
@@ -92,7 +94,7 @@ DemoScene makeDemoScene(const DemoSceneOptions& options, const Progress& progres
     scene.starless = Image(width, height, 1);
     scene.depth = Image(width, height, 0);
     exposeStarless(nebula, step, composition.seed, scene, subRange(progress, 0.6, 0.9));
-    const int count = options.stars < 0 ? defaultStars(width, height) : options.stars;
+    const int count = starCount(options.stars, width, height);
     scene.stars = demo::drawStars(
         composition, {scene.starless, scene.depth, nebula.clearness, step}, count, options.seed);
     scene.picture = scene.starless;

@@ -26,7 +26,7 @@ struct DemoSceneOptions
     int width = 1600;
     int height = 1067;
     std::uint64_t seed = 1;
-    int stars = -1; ///< below 0: as many as suit the size
+    int stars = -1; ///< at most 2000000; below 0: as many as suit the size
 };
 
 /// The program's own photograph: an emission nebula with dust lanes and ridges, a coloured star
