@@ -6,8 +6,9 @@
 
 namespace zre {
 
-/// Counts of 1024 equal bins over 0 to 1; values beyond the range count in the end bins, a NaN in
-/// bin 0.
+/// Counts of 1024 equal bins over 0 to 1.
+///
+/// Values beyond the range count in the end bins, a NaN in bin 0.
 struct Histogram
 {
     static constexpr int kBins = 1024;

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "engine/image/gaussian_kernel.h"
+#include "engine/image/image.h"
+
+namespace zre {
+
+/// Counts finished lines across the passes of a call and reports every 64th as a fraction of all.
+class LineCounter
+{
+public:
+    /// `total` is the number of lines of the whole call.
+    LineCounter(const Progress& progress, double total)
+        : m_progress(progress)
+        , m_total(total)
+    {
+    }
+
+    void advance(int lines);
+
+private:
+    static constexpr std::int64_t kStep = 64;
+
+    const Progress& m_progress;
+    double m_total;
+    std::int64_t m_done = 0;
+};
+
+/// A separable Gaussian over planes of one size: rows into a scratch plane, columns back.
+///
+/// The scratch plane is allocated once and serves every plane. Each sample is the float sum of its
+/// taps from -halfWidth to +halfWidth, starting from 0; a tap beyond the border repeats the edge
+/// sample.
+class PlaneBlur
+{
+public:
+    PlaneBlur(int width, int height, GaussianKernel kernel);
+
+    /// Blurs `plane`, width * height samples, in place; `lines` counts its rows and its columns.
+    void apply(float* plane, LineCounter& lines);
+
+private:
+    void blurRows(const float* plane, LineCounter& lines);
+    void blurColumns(float* plane, LineCounter& lines) const;
+
+    std::size_t m_width;
+    std::size_t m_height;
+    GaussianKernel m_kernel;
+    std::unique_ptr<float[]> m_scratch;
+};
+
+} // namespace zre
