@@ -86,6 +86,11 @@ void guidedFilter(const Image& guide, Image& target, double sigma, float eps,
     if (!guide.usable() || !target.usable() || !std::isfinite(static_cast<float>(sigma)) ||
         !std::isfinite(eps))
         return;
+    if (&guide == &target) {
+        const Image unchanged = guide;
+        guidedFilter(unchanged, target, sigma, eps, progress);
+        return;
+    }
     const std::size_t count = target.pixelCount();
     const float* const i = guide.plane(0);
     float* const p = target.plane(0);

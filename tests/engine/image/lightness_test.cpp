@@ -1,0 +1,152 @@
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "engine/image/raster.h"
+#include "tests/support/testkit.h"
+
+using zre::Image;
+
+namespace {
+
+constexpr double kTolerance = 2e-7;
+
+double linearised(float v)
+{
+    return static_cast<double>(v <= 0.04045f ? v / 12.92f : std::pow((v + 0.055f) / 1.055f, 2.4f));
+}
+
+/// The definition, with the C library's functions.
+double lightness(double y)
+{
+    const double f =
+        y > 0.008856451679035631 ? std::cbrt(y) : (903.2962962962963 * y + 16.0) / 116.0;
+    const double l = 116.0 * f - 16.0;
+    return l < 0.0 ? 0.0 : l > 100.0 ? 1.0 : l / 100.0;
+}
+
+double luminance(float r, float g, float b)
+{
+    return 0.2126 * linearised(r) + 0.7152 * linearised(g) + 0.0722 * linearised(b);
+}
+
+/// Every 997th float from 0 to beyond 1, and all floats about the two seams of the rule.
+std::vector<float> greySweep()
+{
+    std::vector<float> values;
+    const std::uint32_t end = std::bit_cast<std::uint32_t>(1.3f);
+    for (std::uint32_t bits = 0; bits < end; bits += 997)
+        values.push_back(std::bit_cast<float>(bits));
+    for (const float seam : {0.04045f, 0.0992f, 1.0f}) {
+        const std::uint32_t middle = std::bit_cast<std::uint32_t>(seam);
+        for (std::uint32_t bits = middle - 3000; bits < middle + 3000; ++bits)
+            values.push_back(std::bit_cast<float>(bits));
+    }
+    return values;
+}
+
+} // namespace
+
+TEST(Lightness, OfGreyStaysWithinItsToleranceOverTheWholeRange)
+{
+    const std::vector<float> values = greySweep();
+    Image src(static_cast<int>(values.size()), 1, 0);
+    src.data = values;
+    Image dst;
+    zre::getLightness(src, dst);
+    ASSERT_EQ(dst.data.size(), values.size());
+    double worst = 0.0;
+    float where = 0.0f;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double error =
+            std::fabs(static_cast<double>(dst.data[i]) - lightness(linearised(values[i])));
+        if (!(error <= worst)) {
+            worst = error;
+            where = values[i];
+        }
+    }
+    EXPECT_LE(worst, kTolerance) << "at " << where;
+}
+
+TEST(Lightness, OfColoursStaysWithinItsTolerance)
+{
+    struct Case
+    {
+        float scale, offset;
+    };
+    // Pictures in range, dark ones, ones with negative noise, and ones far out on both sides.
+    for (const Case& c : {Case{1.0f, 0.0f}, Case{0.08f, 0.0f}, Case{0.1f, -0.03f},
+                          Case{1.5f, -0.05f}, Case{4.0f, -1.5f}, Case{200.0f, -120.0f}}) {
+        Image src = zrtest::noise(701, 300, 1, 31);
+        for (float& v : src.data)
+            v = v * c.scale + c.offset;
+        Image dst;
+        zre::getLightness(src, dst);
+        ASSERT_EQ(dst.channels, 1);
+        ASSERT_EQ(dst.colorModel, 0);
+        double worst = 0.0;
+        for (std::size_t i = 0; i < src.pixelCount(); ++i) {
+            const double expected =
+                lightness(luminance(src.plane(0)[i], src.plane(1)[i], src.plane(2)[i]));
+            const double error = std::fabs(static_cast<double>(dst.data[i]) - expected);
+            worst = error <= worst ? worst : error;
+        }
+        EXPECT_LE(worst, kTolerance) << "scale " << c.scale << " offset " << c.offset;
+    }
+}
+
+TEST(Lightness, OfOddSamplesFollowsTheDefinition)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float largest = std::numeric_limits<float>::max();
+    const std::vector<float> values{0.0f, -0.0f,    1.0f,      -1.0f,   0.5f,     3.0f, 1e-30f,
+                                    1e9f, infinity, -infinity, largest, -largest, nan,  1e-45f};
+    const int n = static_cast<int>(values.size());
+    Image src(n * n, n, 1);
+    std::size_t i = 0;
+    for (const float r : values)
+        for (const float g : values)
+            for (const float b : values) {
+                src.plane(0)[i] = r;
+                src.plane(1)[i] = g;
+                src.plane(2)[i++] = b;
+            }
+    Image dst;
+    zre::getLightness(src, dst);
+    for (i = 0; i < src.pixelCount(); ++i) {
+        const float r = src.plane(0)[i];
+        const float g = src.plane(1)[i];
+        const float b = src.plane(2)[i];
+        const double expected = lightness(luminance(r, g, b));
+        if (std::isnan(expected))
+            EXPECT_TRUE(std::isnan(dst.data[i])) << r << " " << g << " " << b;
+        else
+            EXPECT_NEAR(static_cast<double>(dst.data[i]), expected, kTolerance)
+                << r << " " << g << " " << b;
+    }
+}
+
+TEST(Lightness, OfAPixelDoesNotDependOnItsNeighbours)
+{
+    // The same pixel alone, at every place of a vector, and beside one that needs the slow way.
+    const Image colours = zrtest::noise(41, 1, 1, 32);
+    Image whole;
+    zre::getLightness(colours, whole);
+    for (int x = 0; x < colours.width; ++x) {
+        Image single(1, 1, 1);
+        for (int c = 0; c < 3; ++c)
+            single.data[static_cast<std::size_t>(c)] = colours.plane(c)[x];
+        Image alone;
+        zre::getLightness(single, alone);
+        EXPECT_EQ(alone.data[0], whole.data[static_cast<std::size_t>(x)]) << "at " << x;
+    }
+    Image ends(2, 1, 1);
+    ends.data = {0.0f, 1.0f, 0.0f, 1.0f, 0.0f, 1.0f};
+    zre::getLightness(ends, ends);
+    EXPECT_EQ(ends.data, (std::vector<float>{0.0f, 1.0f})) << "black is 0 and white is 1";
+}
