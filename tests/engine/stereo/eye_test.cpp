@@ -1,6 +1,8 @@
 #include "engine/stereo/eye.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <sstream>
@@ -292,9 +294,9 @@ TEST(RenderEye, DepthsThatAreNoNumbersLeaveTheirPixelsWhereTheyAre)
     const Image src = labelled(40, 12);
     Image depth = zrtest::flatDepth(40, 12, 0.25f);
     const std::size_t bad[] = {0, 39, 205, 206, 207, 300, 479};
-    std::size_t i = 0;
-    for (const std::size_t at : bad)
-        depth.data[at] = static_cast<float>(i++ % 3 == 0 ? kNan : (i % 3 == 0 ? kInf : -kInf));
+    const double values[] = {kNan, kInf, -kInf};
+    for (std::size_t i = 0; i < std::size(bad); ++i)
+        depth.data[bad[i]] = static_cast<float>(values[i % 3]);
     for (const Eye& eye : {Eye{.parallax = 24}, Eye{.offsetX = -2, .offsetY = 1},
                            Eye{.offsetY = 1, .zoom = 0.5, .splat = true}}) {
         for (const Rendered& out : {general(src, depth, eye), horizontal(src, depth, eye)})
