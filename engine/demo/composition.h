@@ -34,11 +34,14 @@ struct Composition
     float oxygen = 1.0f;  ///< strength of the blue-green light
     float horizon = 0.3f; ///< y of the cloud's mean edge
     float tilt = 0.0f;    ///< of that edge
-    std::array<Pillar, 6> pillars{};
+    std::array<Pillar, 5> pillars{};
     std::uint32_t seed = 0;
 
-    void toScene(float x, float y, float& sceneX, float& sceneY) const
+    /// The place of a point of a grid whose points lie `step` pixels apart.
+    void gridToScene(int gridX, int gridY, float step, float& sceneX, float& sceneY) const
     {
+        const float x = (static_cast<float>(gridX) + 0.5f) * step - 0.5f;
+        const float y = (static_cast<float>(gridY) + 0.5f) * step - 0.5f;
         const float dx = (x - centreX) / unit * mirror;
         const float dy = (y - centreY) / unit;
         sceneX = cosine * dx + sine * dy;

@@ -14,7 +14,7 @@ namespace zre {
 namespace {
 
 constexpr double kGridPoints = 6.0e6; // the nebula is painted on at most about so many
-constexpr double kPixelsPerStar = 900.0;
+constexpr double kPixelsPerStar = 450.0;
 constexpr int kMostStars = 2000000;
 constexpr double kCentreRaDeg = 98.0;
 constexpr double kCentreDecDeg = 4.9;

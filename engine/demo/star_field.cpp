@@ -70,7 +70,7 @@ void light(DemoStar& star, float flux, const Tint& tint, float seeing, const Sta
     const float dimmed =
         star.depth < ground.depth.data[at] ? flux * clearnessAt(ground, star) : flux;
     star.peak = std::min(0.96f * dimmed / (1.0f + dimmed), std::max(room, 0.01f));
-    star.sigma = seeing * (0.88f + 0.42f * std::sqrt(std::sqrt(std::min(dimmed, 60.0f))));
+    star.sigma = seeing * (0.64f + 0.52f * std::sqrt(std::sqrt(dimmed)));
     star.r = tint.r;
     star.g = tint.g;
     star.b = tint.b;
@@ -95,7 +95,7 @@ DemoStar drawFieldStar(Random& random, const StarGround& ground, float seeing)
     const float flux = 0.055f / (u * std::sqrt(std::sqrt(u)));
     const float warm = random.uniform();
     const float place = 0.15f + 0.85f * (0.35f * warm + 0.65f * warm * random.uniform());
-    light(star, std::min(flux, 40.0f), tintAt(std::min(place, 1.0f)), seeing, ground);
+    light(star, std::min(flux, 200.0f), tintAt(std::min(place, 1.0f)), seeing, ground);
     return star;
 }
 
@@ -103,16 +103,16 @@ DemoStar drawClusterStar(const Composition& scene, Random& random, const StarGro
                          float seeing)
 {
     DemoStar star;
-    const float spread = scene.unit * (random.uniform() < 0.6f ? 0.035f : 0.075f);
+    const float spread = scene.unit * (random.uniform() < 0.5f ? 0.03f : 0.07f);
     star.x = std::clamp(scene.centreX + spread * random.normal(), 0.0f,
                         static_cast<float>(ground.depth.width - 1));
     star.y = std::clamp(scene.centreY + spread * random.normal(), 0.0f,
                         static_cast<float>(ground.depth.height - 1));
     star.depth = random.between(0.40f, 0.50f);
-    const float u = random.uniform() + 0.01f;
+    const float u = random.uniform() + 0.006f;
     const bool giant = random.uniform() < 0.08f;
     const float place = giant ? random.between(0.8f, 1.0f) : random.between(0.0f, 0.35f);
-    light(star, std::min(0.35f / u, 12.0f), tintAt(place), seeing, ground);
+    light(star, 0.45f / u, tintAt(place), seeing, ground);
     return star;
 }
 
@@ -136,7 +136,7 @@ struct Profile
     explicit Profile(const DemoStar& star)
     {
         const float bright = smoothStep(0.25f, 0.95f, star.peak);
-        halo = 0.03f + 0.12f * bright;
+        halo = 0.03f + 0.17f * bright;
         spikes = star.peak > kBrightPeak ? 0.14f : 0.0f;
         core = 1.0f - halo - spikes;
         coreScale = 0.5f / (star.sigma * star.sigma);
@@ -178,7 +178,7 @@ std::vector<DemoStar> drawStars(const Composition& scene, const StarGround& grou
 {
     Random random(seed ^ 0x73746172u);
     const float seeing = seeingOf(ground.depth);
-    const int members = std::min(count / 30, 140);
+    const int members = std::min(count / 40, 110);
     std::vector<DemoStar> stars;
     stars.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count - members; ++i)

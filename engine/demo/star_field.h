@@ -18,7 +18,7 @@ struct StarGround
 };
 
 /// Draws `count` stars: many faint, few bright, most behind the nebula and dimmed by its dust, and
-/// about one in thirty in the cluster at the centre of `scene`.
+/// about one in forty in the cluster at the centre of `scene`.
 std::vector<DemoStar> drawStars(const Composition& scene, const StarGround& ground, int count,
                                 std::uint64_t seed);
 
