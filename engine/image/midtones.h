@@ -18,9 +18,14 @@ struct MidtonesStretch
 /// between.
 double midtonesTransfer(double midtones, double value);
 
+/// The exact median of the samples above 0, over all channels alike: what is 0 or NaN is a part of
+/// the frame without data. 0 when there is none.
+double sampleMedian(const Image& img);
+
 /// The stretch that brings the median of `img`, over all its channels alike, to `targetBackground`,
-/// with the shadows clipped 2.8 normalised median deviations below the median. One stretch serves
-/// all channels, so that the colours stay as they are. The identity for an unusable or flat image.
+/// with the shadows clipped 2.8 normalised median deviations below the median. Samples without data
+/// (0, NaN) do not count. One stretch serves all channels, so that the colours stay as they are.
+/// The identity for an unusable or flat image.
 MidtonesStretch autoStretch(const Image& img, double targetBackground = 0.25);
 
 /// Applies `stretch` to every sample of `img` in place; the result lies in 0 to 1.
