@@ -1,13 +1,13 @@
 #include "engine/fileio/fits_solution.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "engine/astro/astrometric_metadata.h"
+#include "engine/astro/fits_text.h"
 
 namespace zre::fileio {
 
@@ -27,33 +27,21 @@ void setRowOrder(std::vector<acl::FITSKeyword>& keywords, bool topDown)
         {kRowOrder, topDown ? "'TOP-DOWN'" : "'BOTTOM-UP'", "order of the rows in this file"});
 }
 
-std::string numberText(double value)
-{
-    std::array<char, 40> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                   std::chars_format::general, 17);
-    return {text.data(), end.ptr};
-}
-
 /// Replaces the number in the keyword called `name` by what `change` makes of it.
 template <class Change>
 void changeNumber(std::vector<acl::FITSKeyword>& keywords, std::string_view name, Change change)
 {
-    for (acl::FITSKeyword& keyword : keywords) {
-        double value = 0.0;
-        const char* begin = keyword.value.data();
-        if (keyword.name == name &&
-            std::from_chars(begin, begin + keyword.value.size(), value).ec == std::errc{})
-            keyword.value = numberText(change(value));
-    }
+    for (acl::FITSKeyword& keyword : keywords)
+        if (keyword.name == name)
+            if (const std::optional<double> value = acl::fitsNumber(keyword.value))
+                keyword.value = acl::fitsReal(change(*value));
 }
 
 } // namespace
 
 bool rowsRunDown(const std::vector<acl::FITSKeyword>& keywords)
 {
-    const auto order = std::find_if(keywords.begin(), keywords.end(), isRowOrder);
-    return order != keywords.end() && order->value.find("TOP-DOWN") != std::string::npos;
+    return acl::KeywordLookup(keywords).text(kRowOrder) == "TOP-DOWN";
 }
 
 void readSolution(std::vector<acl::FITSKeyword> keywords, int width, int height, Wcs& wcs)
