@@ -17,8 +17,10 @@ static void blendRow(float* __restrict depth, const float* __restrict map, std::
     const float kept = 1.0f - amount;
     for (std::size_t i = 0; i < size; ++i) {
         const float base = depth[i];
-        const float mixed = base * kept + kBlendModes[Mode].blend(base, map[i]) * amount;
-        depth[i] = mixed - mixed == 0.0f ? mixed : base;
+        const float other = map[i];
+        const float mixed = base * kept + kBlendModes[Mode].blend(base, other) * amount;
+        const bool finite = (other - other == 0.0f) & (mixed - mixed == 0.0f);
+        depth[i] = finite ? mixed : base;
     }
 }
 
