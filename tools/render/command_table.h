@@ -1,0 +1,189 @@
+#pragma once
+
+#include <array>
+#include <span>
+
+#include "app/session/output_view.h"
+#include "tools/render/outcome.h"
+
+/// The commands and options of `zerrith-render`: parsing, help, man page and completion all come
+/// from these tables.
+namespace zrrender {
+
+struct Invocation;
+struct RunContext;
+
+/// Bits of `OptionSpec::commands`.
+enum CommandBit : unsigned
+{
+    kStill = 1,
+    kWiggle = 2,
+    kInfo = 4,
+    kDemoScene = 8,
+    kParams = 16,
+    kNoCommand = 32, ///< the option stands alone, without a command
+    kAnyCommand = kStill | kWiggle | kInfo | kDemoScene | kParams
+};
+
+enum class Option
+{
+    Output,
+    View,
+    Set,
+    ParamsFile,
+    DepthMap,
+    Bits,
+    Stretch,
+    Size,
+    Seed,
+    Truth,
+    Text,
+    Json,
+    Quiet,
+    Help,
+    Version,
+    Man,
+    Completion
+};
+
+/// What the shell offers as an option's value.
+enum class Completes
+{
+    Nothing,
+    Files,
+    Folders,
+    Choices,
+    Parameters
+};
+
+struct OptionSpec
+{
+    Option id;
+    char letter; ///< of the short form, or 0
+    const char* name;
+    const char* value; ///< what stands for the value in the help; null for a switch
+    Completes completes;
+    std::span<const char* const> choices; ///< the only legal values; empty when any may be given
+    bool required;
+    bool repeats;
+    unsigned commands;
+    const char* help; ///< null keeps the option out of help, man page and completion
+
+    bool isSwitch() const { return !value; }
+};
+
+struct CommandSpec
+{
+    CommandBit bit;
+    const char* name;
+    const char* operand; ///< the one argument that is no option; null for none
+    const char* summary;
+    const char* details;
+    Outcome (*body)(const Invocation&, RunContext&);
+};
+
+Outcome runStill(const Invocation& invocation, RunContext& context);
+Outcome runWiggle(const Invocation& invocation, RunContext& context);
+Outcome runInfo(const Invocation& invocation, RunContext& context);
+Outcome runDemoScene(const Invocation& invocation, RunContext& context);
+Outcome runParams(const Invocation& invocation, RunContext& context);
+
+namespace detail {
+template <std::size_t... I>
+constexpr std::array<const char*, sizeof...(I)> viewKeys(std::index_sequence<I...>)
+{
+    return {kOutputViews[I].key...};
+}
+} // namespace detail
+
+inline constexpr auto kViewChoices =
+    detail::viewKeys(std::make_index_sequence<kOutputViews.size()>());
+inline constexpr std::array kStillBits{"8", "16", "32"};
+inline constexpr std::array kFrameBits{"8", "16"};
+inline constexpr std::array kStretchChoices{"auto", "none"};
+inline constexpr std::array kShells{"bash"};
+inline constexpr std::span<const char* const> kAnyValue{};
+
+inline constexpr std::array kCommands{
+    CommandSpec{kStill, "still", "IN", "render one picture of IN",
+                "Renders the depth map, the red/cyan anaglyph, the side-by-side pair or the source "
+                "itself at full size. The suffix of the output decides the format: .xisf and .fits "
+                "(32-bit float), .tif (16 bits, or 8 or 32 float), .png (16 bits, or 8), .jpg. An "
+                "astrometric solution is kept in .xisf and .fits files whose pixels are the "
+                "source's.",
+                runStill},
+    CommandSpec{kWiggle, "wiggle", "IN", "render the parallax motion of IN as numbered frames",
+                "Renders one closed loop of the moving viewpoint into frame_0000.png, "
+                "frame_0001.png and so on, as many as the parameter wiggleFrames says.",
+                runWiggle},
+    CommandSpec{kInfo, "info", "IN", "tell the format, the geometry and the place on the sky of IN",
+                "Tells size, format and bit depth, how linear data would be stretched, and of an "
+                "astrometric solution centre, scale, rotation (the position angle of the "
+                "picture's up, in degrees from north through east), parity, field and corners.",
+                runInfo},
+    CommandSpec{kDemoScene, "demo-scene", nullptr, "paint the built-in scene",
+                "Paints an emission nebula with dust, stars and an astrometric solution from a "
+                "seed: the same size and seed give the same picture everywhere.",
+                runDemoScene},
+    CommandSpec{kParams, "params", nullptr, "list every parameter, or print the default text",
+                "Lists each parameter with its kind, range, default and meaning.", runParams},
+};
+
+// clang-format off
+inline constexpr std::array kOptions{
+    OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kStill,
+               "the file to write; an existing one is replaced once the new one is complete"},
+    OptionSpec{Option::Output, 'o', "output", "DIR", Completes::Folders, kAnyValue, true, false, kWiggle,
+               "the folder for the frames: made when missing, refused unless empty"},
+    OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kDemoScene,
+               "the file to write, in any format that `still` writes"},
+    OptionSpec{Option::View, 0, "view", "VIEW", Completes::Choices, kViewChoices, false, false, kStill,
+               "what to render; without it the view that the parameter file names, else the anaglyph"},
+    OptionSpec{Option::Set, 0, "set", "KEY=VALUE", Completes::Parameters, kAnyValue, false, true, kStill | kWiggle,
+               "set one parameter, over the parameter file; may be given again (see `params`)"},
+    OptionSpec{Option::ParamsFile, 0, "params", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+               "read parameters from a text of key=value lines; keys it lacks keep their default"},
+    OptionSpec{Option::DepthMap, 0, "depth-map", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+               "blend a depth map (white is near) over the image's own: sets depthMapEnabled, and "
+               "depthMapBlend to 1 where it is 0, unless --set says otherwise"},
+    OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kStillBits, false, false, kStill,
+               "bits of a sample, where the format leaves the choice"},
+    OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kFrameBits, false, false, kWiggle,
+               "bits of a sample; 8 without this option"},
+    OptionSpec{Option::Stretch, 0, "stretch", "MODE", Completes::Choices, kStretchChoices, false, false, kStill | kWiggle,
+               "auto (the default) brings linear data up by a midtones stretch, none takes them as they are"},
+    OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kDemoScene,
+               "size in pixels, 16 to 32768 a side; 1600x1067 without this option"},
+    OptionSpec{Option::Seed, 0, "seed", "N", Completes::Nothing, kAnyValue, false, false, kDemoScene,
+               "the scene to paint, a whole number from 0; 1 without this option"},
+    OptionSpec{Option::Truth, 0, "truth", "DIR", Completes::Folders, kAnyValue, false, false, kDemoScene,
+               "also write what is true of the scene into DIR: depth.xisf, starless.xisf, stars.csv"},
+    OptionSpec{Option::Text, 0, "text", nullptr, Completes::Nothing, kAnyValue, false, false, kParams,
+               "print the default parameter text instead, as --params reads it"},
+    OptionSpec{Option::Json, 0, "json", nullptr, Completes::Nothing, kAnyValue, false, false, kAnyCommand | kNoCommand,
+               "print progress and result as one JSON object a line"},
+    OptionSpec{Option::Quiet, 'q', "quiet", nullptr, Completes::Nothing, kAnyValue, false, false, kAnyCommand | kNoCommand,
+               "print neither progress nor warnings nor what was written"},
+    OptionSpec{Option::Help, 'h', "help", nullptr, Completes::Nothing, kAnyValue, false, false, kAnyCommand | kNoCommand,
+               "print help and end"},
+    OptionSpec{Option::Version, 0, "version", nullptr, Completes::Nothing, kAnyValue, false, false, kNoCommand,
+               "print the version and end"},
+    OptionSpec{Option::Man, 0, "man", nullptr, Completes::Nothing, kAnyValue, false, false, kNoCommand, nullptr},
+    OptionSpec{Option::Completion, 0, "completion", "SHELL", Completes::Choices, kShells, false, false, kNoCommand, nullptr},
+};
+// clang-format on
+
+namespace detail {
+/// No option stands twice in one command.
+constexpr bool distinctInEachCommand()
+{
+    for (std::size_t i = 0; i < kOptions.size(); ++i)
+        for (std::size_t k = i + 1; k < kOptions.size(); ++k)
+            if (kOptions[i].id == kOptions[k].id && (kOptions[i].commands & kOptions[k].commands))
+                return false;
+    return true;
+}
+} // namespace detail
+static_assert(detail::distinctInEachCommand());
+
+} // namespace zrrender

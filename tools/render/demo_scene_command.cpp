@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include <QDir>
+#include <QFile>
+#include <QStringList>
+
+#include "engine/demo/demo_scene.h"
+#include "tools/render/command_line.h"
+#include "tools/render/program.h"
+#include "tools/render/render_request.h"
+#include "tools/render/still_output.h"
+
+namespace zrrender {
+
+namespace {
+
+constexpr int kSmallestSide = 16;
+constexpr int kLargestSide = 32768;
+
+bool readSide(const QString& text, int& side)
+{
+    bool ok = false;
+    side = text.toInt(&ok);
+    return ok && side >= kSmallestSide && side <= kLargestSide;
+}
+
+Outcome readSceneOptions(const Invocation& invocation, zre::DemoSceneOptions& options)
+{
+    if (invocation.has(Option::Size)) {
+        const QString size = invocation.value(Option::Size);
+        const QStringList sides = size.toLower().split(QLatin1Char('x'));
+        if (sides.size() != 2 || !readSide(sides[0], options.width) ||
+            !readSide(sides[1], options.height))
+            return Outcome::usage(QStringLiteral("--size takes WxH, %1 to %2 a side, not %3")
+                                      .arg(kSmallestSide)
+                                      .arg(kLargestSide)
+                                      .arg(size));
+    }
+    if (invocation.has(Option::Seed)) {
+        bool ok = false;
+        options.seed = invocation.value(Option::Seed).toULongLong(&ok);
+        if (!ok)
+            return Outcome::usage(QStringLiteral("--seed takes a whole number from 0, not %1")
+                                      .arg(invocation.value(Option::Seed)));
+    }
+    return Outcome::done();
+}
+
+QByteArray starTable(const std::vector<zre::DemoStar>& stars)
+{
+    QByteArray text = "x,y,peak,sigma,depth,r,g,b\n";
+    for (const zre::DemoStar& star : stars) {
+        const std::array<double, 8> fields{star.x,     star.y, star.peak, star.sigma,
+                                           star.depth, star.r, star.g,    star.b};
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            text += QByteArray::number(fields[i], 'g', 9) + (i + 1 < fields.size() ? ',' : '\n');
+    }
+    return text;
+}
+
+Outcome writeText(const QString& path, const QByteArray& text, StagedOutputs& outputs)
+{
+    QString error;
+    const std::optional<QString> staged = outputs.stage(path, &error);
+    if (!staged)
+        return Outcome::failed(error);
+    QFile file(*staged);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush())
+        return Outcome::failed(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+    return Outcome::done();
+}
+
+Outcome writeTruth(const QString& folder, const zre::DemoScene& scene, StagedOutputs& outputs)
+{
+    QString error;
+    if (!outputs.makeFolder(folder, &error))
+        return Outcome::failed(error);
+    const QDir dir(folder);
+    Outcome outcome = writeStaged(dir.filePath("depth.xisf"), scene.depth, &scene.wcs, {}, outputs);
+    if (outcome.isDone())
+        outcome =
+            writeStaged(dir.filePath("starless.xisf"), scene.starless, &scene.wcs, {}, outputs);
+    if (outcome.isDone())
+        outcome = writeText(dir.filePath("stars.csv"), starTable(scene.stars), outputs);
+    return outcome;
+}
+
+} // namespace
+
+Outcome runDemoScene(const Invocation& invocation, RunContext& context)
+{
+    const QString output = invocation.value(Option::Output);
+    zre::DemoSceneOptions options;
+    Outcome outcome = checkStillPath(output, {});
+    if (outcome.isDone())
+        outcome = readSceneOptions(invocation, options);
+    if (!outcome.isDone())
+        return outcome;
+
+    const zre::DemoScene scene = zre::makeDemoScene(options, [&](double fraction) {
+        context.console.progress(static_cast<int>(fraction * kWritePercent),
+                                 QStringLiteral("Painting..."));
+    });
+    context.console.progress(kWritePercent, QStringLiteral("Writing..."));
+    outcome = writeStaged(output, scene.picture, &scene.wcs, {}, context.outputs);
+    if (outcome.isDone() && invocation.has(Option::Truth))
+        outcome = writeTruth(invocation.value(Option::Truth), scene, context.outputs);
+    QString error;
+    if (outcome.isDone() && !context.outputs.commit(&error))
+        outcome = Outcome::failed(error);
+    if (!outcome.isDone())
+        return outcome;
+
+    const int stars = static_cast<int>(scene.stars.size());
+    context.console.made(QStringLiteral("%1: built-in scene  -  %2 x %3  -  seed %4  -  %5 stars")
+                             .arg(output)
+                             .arg(scene.picture.width)
+                             .arg(scene.picture.height)
+                             .arg(options.seed)
+                             .arg(stars),
+                         {{"command", "demo-scene"},
+                          {"output", output},
+                          {"width", scene.picture.width},
+                          {"height", scene.picture.height},
+                          {"seed", QString::number(options.seed)},
+                          {"stars", stars}});
+    return Outcome::done();
+}
+
+} // namespace zrrender

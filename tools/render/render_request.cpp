@@ -1,0 +1,139 @@
+#include "tools/render/render_request.h"
+
+#include <algorithm>
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "app/persist/param_table.h"
+#include "app/persist/param_text.h"
+#include "app/session/open_document.h"
+#include "app/session/render_pipeline.h"
+#include "engine/params/param_ranges.h"
+
+namespace zrrender {
+
+namespace {
+
+constexpr qint64 kLargestParameterFile = 16 << 20;
+
+bool sameFile(const QString& a, const QString& b)
+{
+    const QString path = QFileInfo(a).canonicalFilePath();
+    return !path.isEmpty() && path == QFileInfo(b).canonicalFilePath();
+}
+
+Outcome checkOutput(const Invocation& invocation, const QString& output)
+{
+    for (const QString& input : {invocation.operand, invocation.value(Option::DepthMap),
+                                 invocation.value(Option::ParamsFile)})
+        if (sameFile(input, output))
+            return Outcome::usage(
+                QStringLiteral("%1 is read by this command and not overwritten").arg(output));
+    return Outcome::done();
+}
+
+/// Floats of the record are compared with the bounds as floats: 0.98 as a float lies above 0.98.
+Outcome checkRanges(const QString& path, const zre::ZRParams& params)
+{
+    for (const zre::ParamRange& range : zre::kParamRanges) {
+        const double value = range.get(params);
+        const bool inside = value >= static_cast<double>(static_cast<float>(range.min)) &&
+                            value <= static_cast<double>(static_cast<float>(range.max));
+        if (!inside)
+            return Outcome::usage(QStringLiteral("%1: %2 = %3 is out of range (%4 to %5)")
+                                      .arg(path, QLatin1String(range.name),
+                                           QString::number(value, 'g', 9),
+                                           QString::number(range.min), QString::number(range.max)));
+    }
+    return Outcome::done();
+}
+
+Outcome readParameterFile(const QString& path, Session& session, Console& console)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    const QByteArray bytes = file.read(kLargestParameterFile + 1);
+    if (file.error() != QFileDevice::NoError)
+        return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    if (bytes.size() > kLargestParameterFile)
+        return Outcome::failed(QStringLiteral("%1 is too large for a parameter file").arg(path));
+    QList<QString> unknownLines;
+    zrproj::paramsFromText(QString::fromUtf8(bytes), session.params, session.outputMode,
+                           unknownLines);
+    for (const QString& line : unknownLines)
+        console.warn(QStringLiteral("%1: ignored the unknown key %2")
+                         .arg(path, line.section(QLatin1Char('='), 0, 0)));
+    return checkRanges(path, session.params);
+}
+
+/// A map that is named is meant to count, though the parameters leave it out by default.
+void switchDepthMapOn(zre::ZRParams& params)
+{
+    params.depthMapEnabled = true;
+    if (params.depthMapBlend == 0.0f)
+        params.depthMapBlend = 1.0f;
+}
+
+Outcome setOne(const QString& assignment, Session& session)
+{
+    const qsizetype equals = assignment.indexOf(QLatin1Char('='));
+    if (equals < 1)
+        return Outcome::usage(QStringLiteral("--set takes KEY=VALUE, not %1").arg(assignment));
+    QString error;
+    if (!zrproj::setParam(session.params, session.outputMode, assignment.left(equals),
+                          assignment.mid(equals + 1), &error))
+        return Outcome::usage(QStringLiteral("--set %1: %2").arg(assignment, error));
+    return Outcome::done();
+}
+
+} // namespace
+
+Outcome readParameters(const Invocation& invocation, const QString& output, Session& session,
+                       Console& console)
+{
+    Outcome outcome = checkOutput(invocation, output);
+    if (outcome.isDone() && invocation.has(Option::ParamsFile))
+        outcome = readParameterFile(invocation.value(Option::ParamsFile), session, console);
+    if (invocation.has(Option::DepthMap))
+        switchDepthMapOn(session.params);
+    for (const QString& assignment : invocation.values(Option::Set))
+        if (outcome.isDone())
+            outcome = setOne(assignment, session);
+    return outcome;
+}
+
+Outcome openInputs(const Invocation& invocation, Session& session, Console& console)
+{
+    const StretchMode stretch = invocation.value(Option::Stretch) == QLatin1String("none")
+                                    ? StretchMode::None
+                                    : StretchMode::Auto;
+    console.progress(0, QStringLiteral("Loading image..."));
+    QString error;
+    if (!openSource(invocation.operand, stretch, session, nullptr, &error))
+        return Outcome::failed(QStringLiteral("%1: %2").arg(invocation.operand, error));
+    const QString map = invocation.value(Option::DepthMap);
+    if (!map.isEmpty() && !openDepthMap(map, session, &error))
+        return Outcome::failed(QStringLiteral("%1: %2").arg(map, error));
+    console.progress(kReadPercent, QStringLiteral("Loading image..."));
+    return Outcome::done();
+}
+
+QString stretchText(const DecodedFile& file)
+{
+    if (file.stretch.isIdentity())
+        return {};
+    return QStringLiteral("stretched from shadows %1 with midtones %2")
+        .arg(QString::number(file.stretch.shadows, 'g', 4),
+             QString::number(file.stretch.midtones, 'g', 4));
+}
+
+int renderPercent(int pipelinePercent)
+{
+    constexpr int kFirst = RenderPipeline::kFirstPercent;
+    const int within = std::clamp(pipelinePercent, kFirst, 100) - kFirst;
+    return kReadPercent + within * (kWritePercent - kReadPercent) / (100 - kFirst);
+}
+
+} // namespace zrrender

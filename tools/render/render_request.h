@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/session/session.h"
+#include "tools/render/command_line.h"
+#include "tools/render/program.h"
+
+namespace zrrender {
+
+/// Brings the options that decide a rendering into `session`: the parameter file, then what
+/// --depth-map implies, then each --set in turn. Everything that can be told from the command line
+/// is refused here, before the image is opened; `output` must not be one of the files read.
+Outcome readParameters(const Invocation& invocation, const QString& output, Session& session,
+                       Console& console);
+
+/// Opens the image, and the depth map where one is named.
+Outcome openInputs(const Invocation& invocation, Session& session, Console& console);
+
+/// What linear data went through before they were rendered; empty when nothing.
+QString stretchText(const DecodedFile& file);
+
+/// Maps the percent of a pipeline, which begins at `RenderPipeline::kFirstPercent`, into the part
+/// of the run between reading and writing.
+int renderPercent(int pipelinePercent);
+
+constexpr int kReadPercent = 10;  ///< reading is done
+constexpr int kWritePercent = 90; ///< writing begins
+
+} // namespace zrrender

@@ -1,0 +1,145 @@
+#include "tools/render/staged_outputs.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include <QFile>
+
+namespace fs = std::filesystem;
+
+namespace zrrender {
+
+static fs::path toPath(const QString& name)
+{
+    return fs::path(QFile::encodeName(name).toStdString());
+}
+
+static QString toText(const fs::path& path)
+{
+    return QFile::decodeName(path.c_str());
+}
+
+static bool fail(QString* error, const QString& what, const fs::path& path,
+                 const std::error_code& why)
+{
+    if (error)
+        *error = QStringLiteral("%1 %2: %3")
+                     .arg(what, toText(path), QString::fromStdString(why.message()));
+    return false;
+}
+
+/// Also when somebody is still writing into it: a folder that is gone takes no more files.
+static void removeTree(const fs::path& folder)
+{
+    constexpr int kAttempts = 1000;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        std::error_code error;
+        fs::remove_all(folder, error);
+        if (!fs::exists(fs::symlink_status(folder, error)))
+            return;
+    }
+}
+
+StagedOutputs::~StagedOutputs()
+{
+    abandon();
+}
+
+bool StagedOutputs::makeFolder(const QString& folder, QString* error)
+{
+    const std::lock_guard lock(mutex);
+    std::vector<fs::path> missing;
+    std::error_code code;
+    fs::path path = fs::absolute(toPath(folder), code).lexically_normal();
+    if (!path.has_filename())
+        path = path.parent_path();
+    for (; !path.empty() && !fs::exists(path, code); path = path.parent_path())
+        missing.push_back(path);
+    for (auto next = missing.rbegin(); next != missing.rend(); ++next) {
+        if (closed || !fs::create_directory(*next, code))
+            return fail(error, QStringLiteral("cannot make the folder"), *next, code);
+        madeFolders.push_back(*next);
+    }
+    return true;
+}
+
+std::optional<fs::path> StagedOutputs::hiddenFolderIn(const fs::path& folder, QString* error)
+{
+    const auto known = hiddenFolders.find(folder);
+    if (known != hiddenFolders.end())
+        return known->second;
+    std::string name = (folder / ".zerrith-render-XXXXXX").string();
+    if (closed || !mkdtemp(name.data())) {
+        fail(error, QStringLiteral("cannot write in the folder"), folder,
+             std::error_code(errno, std::generic_category()));
+        return std::nullopt;
+    }
+    hiddenFolders.emplace(folder, name);
+    return fs::path(name);
+}
+
+std::optional<QString> StagedOutputs::stage(const QString& destination, QString* error)
+{
+    const std::lock_guard lock(mutex);
+    std::error_code code;
+    fs::path target = toPath(destination);
+    if (fs::is_symlink(target, code))
+        target = fs::weakly_canonical(target, code);
+    if (fs::exists(target, code) && !fs::is_regular_file(target, code)) {
+        fail(error, QStringLiteral("cannot write"), target,
+             std::make_error_code(std::errc::not_supported));
+        return std::nullopt;
+    }
+    const fs::path parent = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    const std::optional<fs::path> folder = hiddenFolderIn(parent, error);
+    if (!folder)
+        return std::nullopt;
+    files.emplace_back(*folder / target.filename(), target);
+    return toText(files.back().first);
+}
+
+bool StagedOutputs::commit(QString* error)
+{
+    const std::lock_guard lock(mutex);
+    std::vector<fs::path> added;
+    std::error_code code;
+    for (const auto& [staged, destination] : files) {
+        const bool isNew = !fs::exists(destination, code);
+        fs::rename(staged, destination, code);
+        if (code) {
+            const std::error_code why = code;
+            for (const fs::path& path : added)
+                fs::remove(path, code);
+            return fail(error, QStringLiteral("cannot write"), destination, why);
+        }
+        if (isNew)
+            added.push_back(destination);
+    }
+    files.clear();
+    removeHiddenFolders();
+    madeFolders.clear();
+    return true;
+}
+
+void StagedOutputs::removeHiddenFolders()
+{
+    for (const auto& [folder, hidden] : hiddenFolders)
+        removeTree(hidden);
+    hiddenFolders.clear();
+}
+
+void StagedOutputs::abandon()
+{
+    const std::lock_guard lock(mutex);
+    closed = true;
+    files.clear();
+    removeHiddenFolders();
+    for (auto folder = madeFolders.rbegin(); folder != madeFolders.rend(); ++folder) {
+        std::error_code code;
+        fs::remove(*folder, code); // only when empty
+    }
+    madeFolders.clear();
+}
+
+} // namespace zrrender
