@@ -136,6 +136,7 @@ bool decodeThroughQt(const QString& path, Picture& picture, std::string& error)
 {
     QImageReader reader(path);
     reader.setAutoTransform(true);
+    const QByteArray format = reader.format().toUpper(); // forgotten once the picture is read
     const QImage read = reader.read();
     if (read.isNull()) {
         error = reader.errorString().toStdString();
@@ -148,7 +149,7 @@ bool decodeThroughQt(const QString& path, Picture& picture, std::string& error)
         picture.image = fromGrey16(read);
     else
         picture.image = fromColour16(read.convertToFormat(QImage::Format_RGBX64));
-    picture.decoded.info = {reader.format().toUpper().toStdString(),
+    picture.decoded.info = {format.toStdString(),
                             deep ? "UInt16" : "UInt8",
                             read.width(),
                             read.height(),
