@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+class QAction;
+
+/// The box "About": name, version, licence and what the program is built on, as simple HTML.
+QString aboutText();
+
+/// A table of every action of `actions` with a shortcut, and of what the mouse does in the preview.
+QString shortcutsText(const QList<QAction*>& actions);

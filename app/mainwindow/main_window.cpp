@@ -1,0 +1,234 @@
+#include "app/mainwindow/main_window.h"
+
+#include <array>
+#include <cmath>
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "app/mainwindow/empty_state.h"
+#include "app/mainwindow/help_text.h"
+#include "app/mainwindow/preview_view.h"
+#include "app/session/output_view.h"
+
+/// One menu entry. A row without a name is a separator.
+struct MainWindow::ActionRow
+{
+    const char* menu;
+    const char* name; ///< the action's object name
+    const char* text;
+    QKeySequence::StandardKey standardKeys;
+    const char* furtherKeys; ///< separated by "; "
+    Gate gate;
+    void (MainWindow::*trigger)();
+};
+
+MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
+    : m_prompter(prompter ? std::move(prompter) : std::make_unique<DesktopPrompter>(this))
+    , m_stages(*statusBar(), *this)
+    , m_preview(new PreviewView(this))
+    , m_render(*this, [this](const QImage& picture) { m_preview->setPreview(picture); })
+    , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
+{
+    m_pipeline.setStageReporter([this](int percent, const QString& text) { //
+        stageStatus(percent, text);
+    });
+    connect(m_preview, &PreviewView::imageDropped, this, &MainWindow::loadImageFromPath,
+            Qt::QueuedConnection); // a failure's box must not hold up the program dragged from
+    connect(m_preview, &PreviewView::zoomChanged, this, &MainWindow::showZoom);
+    buildMenus();
+    buildToolBar();
+    m_preview->setEmptyState(new EmptyState(findChild<QAction*>("openImage"),
+                                            findChild<QAction*>("openBuiltInScene"), m_preview));
+    setCentralWidget(m_preview);
+    setWindowTitle(QApplication::applicationName());
+    resize(1280, 800);
+    updateGates();
+    showStatus("Open an image to begin.");
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::buildMenus()
+{
+    using Key = QKeySequence;
+    static constexpr const char* kFile = "&File";
+    static constexpr const char* kView = "&View";
+    static constexpr const char* kHelp = "&Help";
+    static constexpr std::array kRows{
+        ActionRow{kFile, "openImage", "&Open Image...", Key::Open, "Ctrl+O", Gate::Always,
+                  &MainWindow::openImage},
+        ActionRow{kFile, "openBuiltInScene", "Open &Built-in Scene", Key::UnknownKey, "",
+                  Gate::Always, &MainWindow::openBuiltInScene},
+        ActionRow{kFile, "saveImage", "&Export View...", Key::UnknownKey, "Ctrl+E",
+                  Gate::NeedsImage, &MainWindow::saveImage},
+        ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kFile, "quit", "&Quit", Key::Quit, "Ctrl+Q", Gate::Always, &MainWindow::quit},
+        ActionRow{kView, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kView, "zoomIn", "Zoom &In", Key::ZoomIn, "Ctrl+=", Gate::NeedsImage,
+                  &MainWindow::zoomIn},
+        ActionRow{kView, "zoomOut", "Zoom &Out", Key::ZoomOut, "", Gate::NeedsImage,
+                  &MainWindow::zoomOut},
+        ActionRow{kView, "zoomToFit", "&Fit in Window", Key::UnknownKey, "F; Ctrl+0",
+                  Gate::NeedsImage, &MainWindow::zoomToFit},
+        ActionRow{kView, "zoomToPixels", "Actual &Pixels (1:1)", Key::UnknownKey, "Ctrl+1",
+                  Gate::NeedsImage, &MainWindow::zoomToPixels},
+        ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::HelpContents, "",
+                  Gate::Always, &MainWindow::showShortcuts},
+        ActionRow{kHelp, "showAbout", "&About Zerrith Studio", Key::UnknownKey, "", Gate::Always,
+                  &MainWindow::showAbout},
+    };
+    menuTitled(kFile);
+    addViewActions(menuTitled(kView));
+    for (const ActionRow& row : kRows)
+        addRow(row);
+}
+
+void MainWindow::addViewActions(QMenu& menu)
+{
+    m_views = new QActionGroup(this);
+    for (const OutputView& view : kOutputViews) {
+        QAction* action = m_views->addAction(view.label);
+        action->setObjectName(QString("view.") + view.key);
+        action->setData(view.id);
+        action->setCheckable(true);
+        action->setChecked(view.id == m_session.outputMode);
+        action->setShortcut(QString::number(menu.actions().size() + 1));
+        menu.addAction(action);
+        m_actions.push_back({action, Gate::NeedsImage});
+    }
+    connect(m_views, &QActionGroup::triggered, this, [this](const QAction* action) { //
+        onOutputModeChanged(action->data().toInt());
+    });
+}
+
+/// The desktop's own keys for the action, then the further ones it lacks.
+static QList<QKeySequence> shortcutsOf(QKeySequence::StandardKey standard, const char* further)
+{
+    QList<QKeySequence> all;
+    for (const QKeySequence& each :
+         QKeySequence::keyBindings(standard) + QKeySequence::listFromString(further))
+        if (!each.isEmpty() && !all.contains(each))
+            all << each;
+    return all;
+}
+
+void MainWindow::addRow(const ActionRow& row)
+{
+    QMenu& menu = menuTitled(row.menu);
+    if (!row.name) {
+        menu.addSeparator();
+        return;
+    }
+    auto* action = new QAction(row.text, this);
+    action->setObjectName(row.name);
+    action->setShortcuts(shortcutsOf(row.standardKeys, row.furtherKeys));
+    connect(action, &QAction::triggered, this, row.trigger);
+    menu.addAction(action);
+    m_actions.push_back({action, row.gate});
+}
+
+QMenu& MainWindow::menuTitled(const QString& title)
+{
+    for (const QAction* action : menuBar()->actions())
+        if (action->menu() && action->text() == title)
+            return *action->menu();
+    return *menuBar()->addMenu(title);
+}
+
+void MainWindow::buildToolBar()
+{
+    QToolBar* bar = addToolBar(tr("View"));
+    bar->setObjectName("viewBar");
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    bar->addActions(m_views->actions());
+    bar->addSeparator();
+    for (const char* name : {"zoomToFit", "zoomToPixels"})
+        bar->addAction(findChild<QAction*>(name));
+}
+
+void MainWindow::updateGates()
+{
+    for (const GatedAction& row : m_actions)
+        row.action->setEnabled(row.gate == Gate::Always || m_session.hasSource());
+}
+
+void MainWindow::documentReplaced()
+{
+    m_preview->zoomToFit();
+    setWindowTitle(documentName(m_session) + " - " + QApplication::applicationName());
+    renderNow();
+    updateGates();
+}
+
+void MainWindow::showZoom(double scale, bool fitted)
+{
+    const QString percent = QString::number(std::lround(scale * 100)) + " %";
+    m_stages.showZoom(scale > 0 ? (fitted ? "Fit  " + percent : percent) : QString());
+}
+
+void MainWindow::installProgress(const QString& title, const QString& text)
+{
+    m_stages.installProgress(title, text);
+}
+
+bool MainWindow::busyRun(const std::function<void()>& work)
+{
+    const bool done = m_busy.run(work);
+    if (!done)
+        m_prompter->warn("Zerrith", "There is not enough memory for this image.");
+    return done;
+}
+
+// The work under way would go on in a window that is gone.
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(!m_busy.active());
+}
+
+bool MainWindow::renderCurrentViewFullRes(zre::Image& out)
+{
+    return m_render.renderCurrentViewFullRes(out);
+}
+
+void MainWindow::openProjectFromCommandLine(const QString& path)
+{
+    m_documents.openProjectFromCommandLine(path);
+}
+
+void MainWindow::quit()
+{
+    close();
+}
+void MainWindow::zoomIn()
+{
+    m_preview->zoomIn();
+}
+void MainWindow::zoomOut()
+{
+    m_preview->zoomOut();
+}
+void MainWindow::zoomToFit()
+{
+    m_preview->zoomToFit();
+}
+void MainWindow::zoomToPixels()
+{
+    m_preview->zoomToPixels();
+}
+
+void MainWindow::showShortcuts()
+{
+    m_prompter->tell("Keyboard Shortcuts", shortcutsText(findChildren<QAction*>()));
+}
+
+void MainWindow::showAbout()
+{
+    m_prompter->tell("About Zerrith Studio", aboutText());
+}

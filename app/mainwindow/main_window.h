@@ -1,0 +1,100 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <QMainWindow>
+
+#include "app/mainwindow/busy_guard.h"
+#include "app/mainwindow/document_controller.h"
+#include "app/mainwindow/prompter.h"
+#include "app/mainwindow/render_controller.h"
+#include "app/mainwindow/shell_host.h"
+#include "app/mainwindow/stage_display.h"
+#include "app/mainwindow/still_controller.h"
+#include "app/session/render_pipeline.h"
+#include "app/session/session.h"
+
+class PreviewView;
+class QActionGroup;
+
+/// When an action can be used.
+enum class Gate
+{
+    Always,
+    NeedsImage
+};
+
+/// The program's window: owns the session and the controllers, builds menus and bars, and forwards.
+class MainWindow final : public QMainWindow, private ShellHost
+{
+    Q_OBJECT
+
+public:
+    /// With an empty `prompter` questions go through the desktop's dialogs.
+    explicit MainWindow(std::unique_ptr<Prompter> prompter = nullptr);
+    ~MainWindow() override;
+
+    bool loadImageFromPath(const QString& path) { return m_documents.loadImageFromPath(path); }
+    void openProjectFromCommandLine(const QString& path);
+    void openBuiltInScene() { m_documents.openBuiltInScene(); }
+    void saveImage() { m_stills.saveImage(); }
+
+    void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
+    int currentOutputMode() const { return m_session.outputMode; }
+    bool renderCurrentViewFullRes(zre::Image& out);
+    void updatePreview() { m_render.updatePreview(); }
+
+    bool busyRun(const std::function<void()>& work) override;
+    void renderNow() override { m_render.renderNow(); }
+    void stageStatus(int percent, const QString& text) override { m_stages.stage(percent, text); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    struct ActionRow;
+    struct GatedAction
+    {
+        QAction* action;
+        Gate gate;
+    };
+
+    Session& session() override { return m_session; }
+    RenderPipeline& pipeline() override { return m_pipeline; }
+    Prompter& prompter() override { return *m_prompter; }
+    bool isBusy() const override { return m_busy.active(); }
+    void showStatus(const QString& text) override { m_stages.show(text); }
+    void installProgress(const QString& title, const QString& text) override;
+    void removeProgress() override { m_stages.removeProgress(); }
+    void documentReplaced() override;
+
+    void buildMenus();
+    void addViewActions(QMenu& menu);
+    void addRow(const ActionRow& row);
+    QMenu& menuTitled(const QString& title);
+    void buildToolBar();
+    void updateGates();
+    void showZoom(double scale, bool fitted);
+
+    void openImage() { m_documents.openImage(); }
+    void quit();
+    void zoomIn();
+    void zoomOut();
+    void zoomToFit();
+    void zoomToPixels();
+    void showShortcuts();
+    void showAbout();
+
+    Session m_session;
+    RenderPipeline m_pipeline{m_session};
+    std::unique_ptr<Prompter> m_prompter;
+    BusyGuard m_busy;
+    StageDisplay m_stages;
+    PreviewView* m_preview; ///< owned by the window
+    RenderController m_render;
+    DocumentController m_documents{*this};
+    StillController m_stills;
+    QActionGroup* m_views = nullptr; ///< owned by the window
+    std::vector<GatedAction> m_actions;
+};

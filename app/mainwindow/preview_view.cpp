@@ -1,0 +1,242 @@
+#include "app/mainwindow/preview_view.h"
+
+#include <cmath>
+
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "app/mainwindow/openable_file.h"
+
+namespace {
+
+constexpr QColor kBackdrop(0x1c, 0x1c, 0x1e); // neutral, so that it tints no judgement of colour
+constexpr double kWheelNotch = 1.25;
+constexpr double kNotchDegrees = 120.0; // eighths of a degree, as the toolkit counts them
+constexpr double kKeyPanPixels = 64.0;
+/// Beyond this magnification pixels are shown as the squares they are.
+constexpr double kSmoothUpTo = 2.0;
+
+} // namespace
+
+PreviewView::PreviewView(QWidget* parent)
+    : QWidget(parent)
+{
+    setAcceptDrops(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(240, 180);
+    setAccessibleName(tr("Preview"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setLayout(new QVBoxLayout);
+}
+
+void PreviewView::setPreview(const QImage& picture)
+{
+    m_pyramid = ImagePyramid(picture);
+    syncViewSize();
+    m_transform.setImageSize(picture.size());
+    if (m_emptyState)
+        m_emptyState->setVisible(m_pyramid.isNull());
+    setCursor(m_pyramid.isNull() ? Qt::ArrowCursor : Qt::OpenHandCursor);
+    transformChanged();
+}
+
+void PreviewView::setEmptyState(QWidget* widget)
+{
+    m_emptyState = widget;
+    layout()->addWidget(widget);
+}
+
+void PreviewView::zoomIn()
+{
+    m_transform.zoomAt(m_transform.viewCenter(), kWheelNotch);
+    transformChanged();
+}
+
+void PreviewView::zoomOut()
+{
+    m_transform.zoomAt(m_transform.viewCenter(), 1.0 / kWheelNotch);
+    transformChanged();
+}
+
+void PreviewView::zoomToFit()
+{
+    m_transform.fit();
+    transformChanged();
+}
+
+void PreviewView::zoomToPixels()
+{
+    m_transform.setScaleAt(m_transform.viewCenter(), 1.0);
+    transformChanged();
+}
+
+void PreviewView::syncViewSize()
+{
+    m_transform.setViewSize(QSizeF(size()) * devicePixelRatioF());
+}
+
+void PreviewView::transformChanged()
+{
+    emit zoomChanged(m_pyramid.isNull() ? 0.0 : m_transform.scale(), m_transform.isFitted());
+    update();
+}
+
+void PreviewView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), kBackdrop);
+    if (!m_pyramid.isNull())
+        paintPicture(painter);
+    if (m_dropHighlight) {
+        const QColor accent = palette().color(QPalette::Highlight);
+        QColor veil = accent;
+        veil.setAlphaF(0.18F);
+        painter.fillRect(rect(), veil);
+        painter.setPen(QPen(accent, 4));
+        painter.drawRect(QRectF(rect()).adjusted(2, 2, -2, -2));
+    }
+}
+
+// Works in device pixels, and draws only the whole pixels of the level that are in sight: at 32:1
+// the outline of a large picture lies beyond the coordinates that the raster engine can hold.
+void PreviewView::paintPicture(QPainter& painter)
+{
+    syncViewSize(); // the window may have come to a screen of another density
+    const double scale = m_transform.scale();
+    QPointF origin = m_transform.imageRect().topLeft();
+    if (scale >= 1.0)
+        origin = {std::round(origin.x()), std::round(origin.y())};
+    const int level = m_pyramid.levelFor(scale);
+    const QImage& picture = m_pyramid.level(level);
+    const double levelScale = std::ldexp(scale, level);
+
+    painter.save();
+    painter.scale(1.0 / devicePixelRatioF(), 1.0 / devicePixelRatioF());
+    const QRectF outline(origin, m_transform.imageRect().size());
+    const QRectF seen = outline.intersected(QRectF({0, 0}, QSizeF(size()) * devicePixelRatioF()));
+    painter.setClipRect(seen); // the coarse levels of an odd size reach beyond the picture
+    const QRect source = QRectF((seen.topLeft() - origin) / levelScale, seen.size() / levelScale)
+                             .toAlignedRect()
+                             .adjusted(-1, -1, 1, 1)
+                             .intersected(picture.rect());
+    painter.translate(origin);
+    painter.scale(levelScale, levelScale);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, scale <= kSmoothUpTo);
+    painter.drawImage(source.topLeft(), picture, source);
+    painter.restore();
+}
+
+void PreviewView::resizeEvent(QResizeEvent*)
+{
+    syncViewSize();
+    transformChanged();
+}
+
+void PreviewView::wheelEvent(QWheelEvent* event)
+{
+    if (m_pyramid.isNull() || event->angleDelta().y() == 0) {
+        event->ignore();
+        return;
+    }
+    m_transform.zoomAt(devicePoint(event->position()),
+                       std::pow(kWheelNotch, event->angleDelta().y() / kNotchDegrees));
+    transformChanged();
+}
+
+void PreviewView::mousePressEvent(QMouseEvent* event)
+{
+    const bool pans = event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton;
+    if (m_pyramid.isNull() || !pans) {
+        event->ignore();
+        return;
+    }
+    m_dragging = true;
+    m_dragFrom = event->position();
+    setCursor(Qt::ClosedHandCursor);
+}
+
+void PreviewView::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!m_dragging)
+        return;
+    m_transform.panBy(devicePoint(event->position() - m_dragFrom));
+    m_dragFrom = event->position();
+    transformChanged();
+}
+
+void PreviewView::mouseReleaseEvent(QMouseEvent*)
+{
+    if (!m_dragging)
+        return;
+    m_dragging = false;
+    setCursor(Qt::OpenHandCursor);
+}
+
+void PreviewView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (m_pyramid.isNull() || event->button() != Qt::LeftButton)
+        return;
+    if (m_transform.isFitted())
+        m_transform.setScaleAt(devicePoint(event->position()), 1.0);
+    else
+        m_transform.fit();
+    transformChanged();
+}
+
+void PreviewView::keyPressEvent(QKeyEvent* event)
+{
+    QPointF step;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        step = {kKeyPanPixels, 0};
+        break;
+    case Qt::Key_Right:
+        step = {-kKeyPanPixels, 0};
+        break;
+    case Qt::Key_Up:
+        step = {0, kKeyPanPixels};
+        break;
+    case Qt::Key_Down:
+        step = {0, -kKeyPanPixels};
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (m_pyramid.isNull())
+        return;
+    m_transform.panBy(devicePoint(step));
+    transformChanged();
+}
+
+void PreviewView::setDropHighlight(bool on)
+{
+    m_dropHighlight = on;
+    update();
+}
+
+void PreviewView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (droppedImage(event->mimeData()->urls()).isEmpty())
+        return;
+    setDropHighlight(true);
+    event->acceptProposedAction();
+}
+
+void PreviewView::dragLeaveEvent(QDragLeaveEvent*)
+{
+    setDropHighlight(false);
+}
+
+void PreviewView::dropEvent(QDropEvent* event)
+{
+    setDropHighlight(false);
+    const QString path = droppedImage(event->mimeData()->urls());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    emit imageDropped(path);
+}

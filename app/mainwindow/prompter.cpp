@@ -1,0 +1,42 @@
+#include "app/mainwindow/prompter.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+QString DesktopPrompter::openFile(const QString& title, const QString& startAt,
+                                  const QString& filter)
+{
+    return QFileDialog::getOpenFileName(m_parent, title, startAt, filter);
+}
+
+QString DesktopPrompter::saveFile(const QString& title, const QString& startAt,
+                                  const QString& filter)
+{
+    // Not the static function: only a dialog with a default suffix asks about overwriting the file
+    // that will really be written.
+    QFileDialog dialog(m_parent, title, startAt, filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(QFileInfo(startAt).suffix());
+    QObject::connect(&dialog, &QFileDialog::filterSelected, [&dialog](const QString& chosen) {
+        const int star = static_cast<int>(chosen.indexOf("*."));
+        dialog.setDefaultSuffix(chosen.mid(star + 2).section(')', 0, 0).section(' ', 0, 0));
+    });
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+void DesktopPrompter::warn(const QString& title, const QString& text)
+{
+    // Plain text: the message may quote a file name with markup in it.
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+void DesktopPrompter::tell(const QString& title, const QString& richText)
+{
+    QMessageBox box(QMessageBox::NoIcon, title, richText, QMessageBox::Ok, m_parent);
+    box.setTextFormat(Qt::RichText);
+    box.setTextInteractionFlags(Qt::TextBrowserInteraction);
+    box.exec();
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+/// Every question and message that stops the user. Controllers speak to this interface only, so
+/// that a test can script the answers.
+class Prompter
+{
+public:
+    virtual ~Prompter() = default;
+
+    /// The file chosen to be opened; empty when the user cancels. `startAt` is a folder, `filter`
+    /// in the form of the toolkit's file dialogs.
+    virtual QString openFile(const QString& title, const QString& startAt,
+                             const QString& filter) = 0;
+    /// The file to be written, overwriting already agreed to; empty when the user cancels.
+    /// `startAt` is the suggested path.
+    virtual QString saveFile(const QString& title, const QString& startAt,
+                             const QString& filter) = 0;
+    virtual void warn(const QString& title, const QString& text) = 0;
+    /// A box of information; `richText` may hold simple HTML.
+    virtual void tell(const QString& title, const QString& richText) = 0;
+};
+
+/// Asks through the desktop's dialogs, above `parent`.
+class DesktopPrompter final : public Prompter
+{
+public:
+    explicit DesktopPrompter(QWidget* parent)
+        : m_parent(parent)
+    {
+    }
+
+    QString openFile(const QString& title, const QString& startAt, const QString& filter) override;
+    QString saveFile(const QString& title, const QString& startAt, const QString& filter) override;
+    void warn(const QString& title, const QString& text) override;
+    void tell(const QString& title, const QString& richText) override;
+
+private:
+    QWidget* m_parent; ///< not owned
+};

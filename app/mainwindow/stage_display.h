@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include <QString>
+
+class QLabel;
+class QProgressDialog;
+class QStatusBar;
+class QWidget;
+
+/// The words at the lower edge of the window: what was done, what is being done, and the zoom.
+class StageDisplay
+{
+public:
+    /// Puts its labels into `bar`, which owns them. Dialogs come up above `window`.
+    StageDisplay(QStatusBar& bar, QWidget& window);
+    ~StageDisplay();
+
+    /// Painted at once, so that the words stand while the work they announce holds the thread.
+    void show(const QString& text);
+    void showZoom(const QString& text);
+
+    /// The stage of a long step: in the progress dialog while one is installed, else in the bar.
+    void stage(int percent, const QString& text);
+    void installProgress(const QString& title, const QString& text);
+    void removeProgress();
+
+    QString text() const;
+
+private:
+    QWidget& m_window;
+    QLabel* m_text; ///< owned by the status bar, as is `m_zoom`
+    QLabel* m_zoom;
+    std::unique_ptr<QProgressDialog> m_progress;
+};

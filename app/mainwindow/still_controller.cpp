@@ -1,0 +1,82 @@
+#include "app/mainwindow/still_controller.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include "app/export/still_file.h"
+#include "app/mainwindow/prompter.h"
+#include "app/mainwindow/shell_host.h"
+#include "app/session/output_view.h"
+#include "app/session/session.h"
+
+static constexpr const char* kStillFilters =
+    "XISF 32-bit (*.xisf);;TIFF (*.tif);;PNG (*.png);;JPEG (*.jpg);;FITS 32-bit (*.fits)";
+static constexpr int kDepthView = 1;
+
+static const OutputView& currentView(const Session& session)
+{
+    const auto row = std::find_if(kOutputViews.begin(), kOutputViews.end(),
+                                  [&](const OutputView& v) { return v.id == session.outputMode; });
+    return row != kOutputViews.end() ? *row : kOutputViews.front();
+}
+
+QString suggestedStillName(const Session& session)
+{
+    const QString base = QFileInfo(session.sourcePath).completeBaseName();
+    return QString("%1_%2.xisf")
+        .arg(base.isEmpty() ? QString("zerrith") : base, currentView(session).key);
+}
+
+const zre::Wcs* solutionOfStill(const Session& session, const zre::Image& still)
+{
+    const bool fits =
+        session.wcs.valid && still.sameSize(session.source) && session.outputMode != kDepthView;
+    return fits ? &session.wcs : nullptr;
+}
+
+StillController::StillController(ShellHost& host, Render render)
+    : m_host(host)
+    , m_render(std::move(render))
+{
+}
+
+void StillController::saveImage()
+{
+    const Session& session = m_host.session();
+    if (!session.hasSource()) {
+        m_host.showStatus("Nothing to save yet - open an image first.");
+        return;
+    }
+    const QString word = currentView(session).dialogName;
+    const QString folder =
+        m_folder.isEmpty() ? QFileInfo(session.sourcePath).absolutePath() : m_folder;
+    const QString path = m_host.prompter().saveFile(
+        "Export " + word, QDir(folder).filePath(suggestedStillName(session)), kStillFilters);
+    if (path.isEmpty())
+        return;
+    m_folder = QFileInfo(path).absolutePath();
+
+    zre::Image still;
+    m_host.showStatus("Rendering " + word + " at full resolution...");
+    if (!m_render(still)) {
+        m_host.prompter().warn("Export", "Could not render the " + word);
+        return;
+    }
+    m_host.showStatus("Writing " + word + "...");
+    StillOptions options;
+    options.wcs = solutionOfStill(session, still);
+    QString error;
+    bool written = false;
+    m_host.busyRun([&] { written = writeStill(path, still, options, &error); });
+    if (!written) {
+        m_host.prompter().warn("Export", "Could not write:\n" + path + "\n" + error);
+        return;
+    }
+    m_host.showStatus(QString("Exported %1: %2 (%3 x %4)")
+                          .arg(word, QFileInfo(path).fileName())
+                          .arg(still.width)
+                          .arg(still.height));
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+
+#include <QString>
+
+#include "engine/astro/wcs.h"
+#include "engine/image/image.h"
+
+class ShellHost;
+struct Session;
+
+/// Writes the view on the screen to a file, at full size.
+class StillController
+{
+public:
+    /// Renders the current view as it goes to a file; false when there is none.
+    using Render = std::function<bool(zre::Image&)>;
+
+    StillController(ShellHost& host, Render render);
+
+    /// Asks for a file and writes the current view to it.
+    void saveImage();
+
+private:
+    ShellHost& m_host;
+    Render m_render;
+    QString m_folder; ///< last written to; before that, the source's own
+};
+
+/// The name suggested for the current view: the source's base name and the view's key.
+QString suggestedStillName(const Session& session);
+
+/// The solution that fits `still`, a rendering of the current view; null for a view whose pixels
+/// are not the source's, and for the depth map, which is no picture of the sky.
+const zre::Wcs* solutionOfStill(const Session& session, const zre::Image& still);

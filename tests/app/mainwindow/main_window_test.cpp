@@ -1,0 +1,196 @@
+#include "app/mainwindow/main_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+#include "app/mainwindow/preview_view.h"
+#include "app/session/open_document.h"
+#include "app/session/output_view.h"
+#include "engine/qt/zre_qt.h"
+#include "tests/app/mainwindow/scripted_prompter.h"
+#include "tests/support/testkit.h"
+
+namespace {
+
+constexpr int kWidth = 120;
+constexpr int kHeight = 80;
+
+QString noiseFile(const std::string& name)
+{
+    const QString path = QString::fromStdString((zrtest::scratchFolder() / name).string());
+    EXPECT_TRUE(zre_qt::toQImage(zrtest::noise(kWidth, kHeight, 1, 9)).save(path));
+    return path;
+}
+
+/// What the road without a window shows of `path`.
+QImage expectedView(const QString& path, int view)
+{
+    Session session;
+    EXPECT_TRUE(openSource(path, StretchMode::Auto, session, nullptr, nullptr));
+    RenderPipeline pipeline(session);
+    zre::Image out;
+    EXPECT_TRUE(pipeline.renderView(view, {}, out, nullptr));
+    return zre_qt::toQImage(out).convertToFormat(QImage::Format_RGB32);
+}
+
+struct Window : testing::Test
+{
+    Script script;
+    MainWindow window{std::make_unique<ScriptedPrompter>(script)};
+    PreviewView& preview = *window.findChild<PreviewView*>();
+
+    void SetUp() override
+    {
+        window.show();
+        QApplication::processEvents();
+    }
+    QAction* action(const QString& name) { return window.findChild<QAction*>(name); }
+    QString status() { return window.findChild<QLabel*>("statusText")->text(); }
+
+    /// The picture as it stands on the screen at 1:1.
+    QImage shown()
+    {
+        action("zoomToPixels")->trigger();
+        const QPoint origin = preview.transform().imageRect().topLeft().toPoint();
+        const QSize size = preview.transform().imageRect().size().toSize();
+        return preview.grab().toImage().copy({origin, size}).convertToFormat(QImage::Format_RGB32);
+    }
+
+    bool drop(const QList<QUrl>& urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&preview, &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&preview, &event);
+        QApplication::processEvents();
+        return true;
+    }
+
+    void wheel(QPointF at, int delta)
+    {
+        QWheelEvent event(at, preview.mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&preview, &event);
+    }
+};
+
+} // namespace
+
+TEST_F(Window, ActionsThatNeedAnImageWaitForOne)
+{
+    const QStringList needy{"saveImage", "zoomIn", "zoomToFit", "view.source", "view.anaglyph"};
+    for (const QString& name : needy)
+        EXPECT_FALSE(action(name)->isEnabled()) << qPrintable(name);
+    EXPECT_TRUE(action("openImage")->isEnabled());
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("gate.png")));
+    for (const QString& name : needy)
+        EXPECT_TRUE(action(name)->isEnabled()) << qPrintable(name);
+}
+
+TEST_F(Window, EveryViewShowsWhatThePipelineRenders)
+{
+    const QString path = noiseFile("views.png");
+    script.answers = {path};
+    action("openImage")->trigger();
+    EXPECT_EQ(window.currentOutputMode(), 2);
+    EXPECT_EQ(shown(), expectedView(path, 2));
+    EXPECT_EQ(status(), "views.png  -  120 x 80");
+    for (const OutputView& view : kOutputViews) {
+        action(QString("view.") + view.key)->trigger();
+        EXPECT_EQ(window.currentOutputMode(), view.id);
+        EXPECT_EQ(shown(), expectedView(path, view.id)) << view.key;
+    }
+    EXPECT_TRUE(status().startsWith("Side-by-side  -  240 x 80  -  ")) << qPrintable(status());
+}
+
+TEST_F(Window, ADroppedImageOpensAndOtherDropsAreRefused)
+{
+    const QString path = noiseFile("dropped.png");
+    EXPECT_FALSE(drop({QUrl::fromLocalFile(path + ".txt")}));
+    EXPECT_FALSE(drop({QUrl("https://example.org/picture.png")}));
+    EXPECT_TRUE(drop({QUrl::fromLocalFile(path)}));
+    EXPECT_EQ(status(), "dropped.png  -  120 x 80");
+    EXPECT_EQ(window.windowTitle().section(" - ", 0, 0), "dropped.png");
+}
+
+TEST_F(Window, AFailureLeavesTheDocumentOnTheScreen)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("stays.png")));
+    const QImage before = shown();
+    const QString title = window.windowTitle();
+    zrtest::writeBytes(zrtest::scratchFolder() / "bad.png", {0x89, 'P', 'N', 'G'});
+    EXPECT_FALSE(window.loadImageFromPath(
+        QString::fromStdString((zrtest::scratchFolder() / "bad.png").string())));
+    ASSERT_EQ(script.warned.size(), 1);
+    EXPECT_TRUE(script.warned[0].startsWith("Open Image|Could not load image:\n"));
+    EXPECT_EQ(shown(), before);
+    EXPECT_EQ(window.windowTitle(), title);
+}
+
+TEST_F(Window, TheWheelZoomsToTheCursorAndANewImageIsFittedAgain)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("wheel.png")));
+    const double fitted = preview.transform().scale();
+    const QPointF at = preview.transform().toView({30.5, 20.25}) / preview.devicePixelRatioF();
+    wheel(at, 360);
+    EXPECT_GT(preview.transform().scale(), fitted);
+    const QPointF under = preview.transform().toImage(at * preview.devicePixelRatioF());
+    EXPECT_NEAR(under.x(), 30.5, 1e-9);
+    EXPECT_NEAR(under.y(), 20.25, 1e-9);
+    action("view.source")->trigger();
+    EXPECT_GT(preview.transform().scale(), fitted); // the same image: zoom stays
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("next.png")));
+    EXPECT_TRUE(preview.transform().isFitted());
+    EXPECT_EQ(window.findChild<QLabel*>("zoomText")->text(), "Fit  200 %");
+}
+
+TEST_F(Window, MagnifiedPixelsAreSquaresOfTheirOwnColour)
+{
+    const QString path = noiseFile("squares.png");
+    ASSERT_TRUE(window.loadImageFromPath(path));
+    action("view.source")->trigger();
+    const QImage source = expectedView(path, 0);
+    for (int i = 0; i < 40; ++i)
+        wheel(QPointF(preview.rect().center()), 120);
+    EXPECT_EQ(preview.transform().scale(), PreviewTransform::kMaxScale);
+    const QImage screen = preview.grab().toImage();
+    for (const QPoint pixel : {QPoint(60, 40), QPoint(57, 38), QPoint(64, 43)})
+        for (const QPointF inside : {QPointF(0.1, 0.1), QPointF(0.5, 0.9), QPointF(0.9, 0.5)}) {
+            const QPoint at = preview.transform().toView(QPointF(pixel) + inside).toPoint();
+            EXPECT_EQ(screen.pixel(at), source.pixel(pixel));
+        }
+}
+
+TEST_F(Window, NoTwoActionsShareAShortcut)
+{
+    QStringList keys;
+    for (const QAction* each : window.findChildren<QAction*>())
+        for (const QKeySequence& shortcut : each->shortcuts())
+            keys << shortcut.toString();
+    EXPECT_EQ(keys.removeDuplicates(), 0) << qPrintable(keys.join(' '));
+    EXPECT_FALSE(keys.contains(QString()));
+    EXPECT_TRUE(keys.contains("Ctrl+Q") && keys.contains("Ctrl+O") && keys.contains("1"));
+}
+
+TEST_F(Window, WorkUnderWayKeepsTheWindowOpen)
+{
+    window.busyRun([&] { EXPECT_FALSE(window.close()); });
+    EXPECT_TRUE(window.close());
+}
+
+TEST_F(Window, RunningOutOfMemoryIsAMessage)
+{
+    EXPECT_FALSE(window.busyRun([] { throw std::bad_alloc(); }));
+    EXPECT_EQ(script.warned.size(), 1);
+    EXPECT_TRUE(window.busyRun([] {}));
+}

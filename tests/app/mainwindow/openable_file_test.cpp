@@ -1,0 +1,35 @@
+#include "app/mainwindow/openable_file.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/testkit.h"
+
+static QString touched(const std::string& name)
+{
+    const auto path = zrtest::scratchFolder() / name;
+    zrtest::writeBytes(path, {0});
+    return QString::fromStdString(path.string());
+}
+
+TEST(OpenableFile, OnlyAnExistingFileWithAnImageSuffixCounts)
+{
+    const QString folder = QString::fromStdString(zrtest::scratchFolder().string());
+    std::filesystem::create_directories(zrtest::scratchFolder() / "folder.png");
+    EXPECT_TRUE(isOpenableImage(touched("a.XISF")));
+    EXPECT_TRUE(isOpenableImage(touched("a b.fits")));
+    EXPECT_FALSE(isOpenableImage(touched("notes.txt")));
+    EXPECT_FALSE(isOpenableImage(touched("xisf")));
+    EXPECT_FALSE(isOpenableImage(folder + "/folder.png"));
+    EXPECT_FALSE(isOpenableImage(folder + "/absent.png"));
+    EXPECT_FALSE(isOpenableImage(""));
+}
+
+TEST(OpenableFile, ADropTakesItsFirstLocalImage)
+{
+    const QUrl image = QUrl::fromLocalFile(touched("one.png"));
+    const QUrl other = QUrl::fromLocalFile(touched("two.tif"));
+    const QUrl text = QUrl::fromLocalFile(touched("notes.txt"));
+    EXPECT_EQ(droppedImage({text, image, other}), image.toLocalFile());
+    EXPECT_EQ(droppedImage({QUrl("https://example.org/one.png"), text}), "");
+    EXPECT_EQ(droppedImage({}), "");
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <deque>
+
+#include <QStringList>
+
+#include "app/mainwindow/prompter.h"
+
+/// What the user was asked and told, and the answers in the order in which they are asked for; a
+/// question beyond the last answer is cancelled.
+struct Script
+{
+    std::deque<QString> answers;
+    QStringList asked; ///< "title|startAt|filter"
+    QStringList warned;
+    QStringList told;
+};
+
+class ScriptedPrompter final : public Prompter
+{
+public:
+    explicit ScriptedPrompter(Script& script)
+        : m_script(script)
+    {
+    }
+
+    QString openFile(const QString& title, const QString& startAt, const QString& filter) override
+    {
+        return answer(title, startAt, filter);
+    }
+    QString saveFile(const QString& title, const QString& startAt, const QString& filter) override
+    {
+        return answer(title, startAt, filter);
+    }
+    void warn(const QString& title, const QString& text) override
+    {
+        m_script.warned << title + "|" + text;
+    }
+    void tell(const QString& title, const QString& richText) override
+    {
+        m_script.told << title + "|" + richText;
+    }
+
+private:
+    QString answer(const QString& title, const QString& startAt, const QString& filter)
+    {
+        m_script.asked << title + "|" + startAt + "|" + filter;
+        if (m_script.answers.empty())
+            return {};
+        const QString next = m_script.answers.front();
+        m_script.answers.pop_front();
+        return next;
+    }
+
+    Script& m_script;
+};
