@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QIcon>
+
+/// The program's icon, rendered from the embedded drawing in every size that desktops ask for.
+QIcon appIcon();

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QStringList>
+
+/// The diagnostics behind the `--selftest-` commands. Each takes the road that the program itself
+/// takes, prints its findings, and returns 0 on success; `arguments` are those after the command.
+namespace diag {
+
+/// The solution built from values; with an image file as argument, that file's own solution too.
+int wcsBuild(const QStringList& arguments);
+/// Decodes the image file that the argument names.
+int imageLoad(const QStringList& arguments);
+/// The parameter table and the text form; with a parameter text file as argument, its values too.
+int ranges(const QStringList& arguments);
+/// The depth map keeps its resolution, in pixels and in levels, into a file and back.
+int depthResolution(const QStringList& arguments);
+/// No speck of an unfilled hole is left in a warped frame.
+int warpComb(const QStringList& arguments);
+
+} // namespace diag
