@@ -44,7 +44,9 @@ Composition composeScene(int width, int height, std::uint64_t seed)
     Composition scene;
     scene.unit = unitOf(width, height);
     scene.centreX = static_cast<float>(width) * random.between(0.48f, 0.58f) - 0.5f;
-    scene.centreY = static_cast<float>(height) * random.between(0.40f, 0.46f) - 0.5f;
+    const float shore = static_cast<float>(height) * random.between(0.87f, 0.92f);
+    scene.centreY = std::clamp(shore - 0.40f * scene.unit, 0.2f * static_cast<float>(height),
+                               0.7f * static_cast<float>(height));
     const float slope = random.between(-0.28f, 0.28f);
     const float length = std::sqrt(1.0f + slope * slope);
     scene.cosine = 1.0f / length;

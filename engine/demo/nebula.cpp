@@ -15,7 +15,8 @@ struct Light
     float r, g, b;
 };
 
-constexpr float kExposure = 1.6f;
+constexpr float kExposure = 1.75f;
+constexpr float kWhitest = 0.89f; // so that sky and grain on top do not clip
 constexpr float kLaneDepth = 0.58f;
 constexpr float kLightReach = 0.0028f; // units over which the surface of the cloud catches light
 constexpr Light kHydrogen{1.00f, 0.16f, 0.22f};
@@ -99,7 +100,7 @@ inline Light lightOf(const Point& p, float opacity)
         const float behind = wall * expMinus(p.lanes * kExtinction.*c) + laneDust * kDust.*c;
         const float light = behind * expMinus(opacity * kExtinction.*c) +
                             kSulphur.*c * front.sulphur + kDust.*c * front.dust;
-        return exposed(kExposure * light);
+        return kWhitest * exposed(kExposure * light);
     };
     return {channel(&Light::r), channel(&Light::g), channel(&Light::b)};
 }

@@ -110,7 +110,7 @@ ZR_MULTIVERSION void addRidges(const Octave octave, const float* __restrict x,
         const float v = octave.sine * x[i] + octave.cosine * y[i];
         const float noise = 1.6f * gradientNoise(u, v, octave.seed);
         const float crease = 1.0f - (noise < 0.0f ? -noise : noise);
-        const float sharp = crease > 0.0f ? crease * crease : 0.0f;
+        const float sharp = crease * crease;
         out[i] += octave.amplitude * sharp * weight[i];
         const float carried = 1.6f * sharp * weight[i];
         weight[i] = carried < 1.0f ? carried : 1.0f;

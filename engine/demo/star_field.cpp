@@ -10,7 +10,8 @@ namespace zre::demo {
 
 namespace {
 
-constexpr float kBrightPeak = 0.80f; // stars above have spikes
+constexpr float kBrightFlux = 6.0f; // stars above burn out, as in a real exposure
+constexpr float kBurntPeak = 1.0f;  // those whose peak is above have spikes
 
 struct Tint
 {
@@ -69,7 +70,11 @@ void light(DemoStar& star, float flux, const Tint& tint, float seeing, const Sta
     const float room = 0.985f - std::max({base[0], base[plane], base[2 * plane]});
     const float dimmed =
         star.depth < ground.depth.data[at] ? flux * clearnessAt(ground, star) : flux;
-    star.peak = std::min(0.96f * dimmed / (1.0f + dimmed), std::max(room, 0.01f));
+    star.peak = 0.96f * dimmed / (1.0f + dimmed);
+    if (dimmed > kBrightFlux)
+        star.peak += 0.8f * smoothStep(kBrightFlux, 150.0f, dimmed);
+    else
+        star.peak = std::min(star.peak, std::max(room, 0.01f));
     star.sigma = seeing * (0.64f + 0.52f * std::sqrt(std::sqrt(dimmed)));
     star.r = tint.r;
     star.g = tint.g;
@@ -92,10 +97,10 @@ DemoStar drawFieldStar(Random& random, const StarGround& ground, float seeing)
     }
     // A power law, cumulative exponent 0.8: five times as many stars a factor of 7.5 fainter.
     const float u = random.uniform() + 2e-5f;
-    const float flux = 0.055f / (u * std::sqrt(std::sqrt(u)));
+    const float flux = 0.050f / (u * std::sqrt(std::sqrt(u)));
     const float warm = random.uniform();
     const float place = 0.15f + 0.85f * (0.35f * warm + 0.65f * warm * random.uniform());
-    light(star, std::min(flux, 200.0f), tintAt(std::min(place, 1.0f)), seeing, ground);
+    light(star, std::min(flux, 500.0f), tintAt(std::min(place, 1.0f)), seeing, ground);
     return star;
 }
 
@@ -136,15 +141,16 @@ struct Profile
     explicit Profile(const DemoStar& star)
     {
         const float bright = smoothStep(0.25f, 0.95f, star.peak);
-        halo = 0.03f + 0.17f * bright;
-        spikes = star.peak > kBrightPeak ? 0.14f : 0.0f;
+        const float burnt = smoothStep(kBurntPeak, 1.8f, star.peak);
+        halo = 0.03f + 0.13f * bright;
+        spikes = 0.12f * burnt;
         core = 1.0f - halo - spikes;
         coreScale = 0.5f / (star.sigma * star.sigma);
         const float haloRadius = 2.2f * star.sigma;
         haloScale = 1.0f / (haloRadius * haloRadius);
-        const float haloReach = star.sigma * (5.0f + 13.0f * bright);
+        const float haloReach = star.sigma * (5.0f + 11.0f * bright + 8.0f * burnt);
         squareReach = haloReach * haloReach;
-        spikeReach = spikes > 0.0f ? 16.0f * star.sigma : 0.0f;
+        spikeReach = spikes > 0.0f ? 20.0f * star.sigma : 0.0f;
         reach = static_cast<int>(std::max(haloReach, spikeReach)) + 1;
     }
 
@@ -163,10 +169,10 @@ struct Profile
         const float x = dx * dx;
         const float y = dy * dy;
         const float far = spikeReach * spikeReach;
-        const float thinX = 1.0f / (1.0f + y * y * y);
-        const float thinY = 1.0f / (1.0f + x * x * x);
-        const float fallX = hill(x, far) / (1.0f + x * haloScale);
-        const float fallY = hill(y, far) / (1.0f + y * haloScale);
+        const float thinX = 1.0f / (1.0f + y * y);
+        const float thinY = 1.0f / (1.0f + x * x);
+        const float fallX = hill(x, far) / (1.0f + 0.3f * x * haloScale);
+        const float fallY = hill(y, far) / (1.0f + 0.3f * y * haloScale);
         return spikes * 0.5f * (thinX * fallX + thinY * fallY);
     }
 };
