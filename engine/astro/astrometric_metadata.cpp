@@ -7,6 +7,11 @@
 
 namespace acl {
 
+static bool isFinite(Point point)
+{
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
 AstrometricMetadata::AstrometricMetadata(
     std::shared_ptr<const Projection> skyProjection,
     std::shared_ptr<const LinearWorldTransformation> worldTransformation, int width, int height)
@@ -24,9 +29,11 @@ double AstrometricMetadata::resolution() const
 
 bool AstrometricMetadata::imageToCelestial(double x, double y, double& ra, double& dec) const
 {
+    if (!isValid())
+        return false;
+    const Point plane = transformation->toPlane({x, y});
     Point sky;
-    if (!isValid() || !projection->planeToCelestial(transformation->toPlane({x, y}), sky) ||
-        !std::isfinite(sky.x) || !std::isfinite(sky.y))
+    if (!isFinite(plane) || !projection->planeToCelestial(plane, sky) || !isFinite(sky))
         return false;
     ra = sky.x;
     dec = sky.y;
@@ -39,7 +46,7 @@ bool AstrometricMetadata::celestialToImage(double ra, double dec, double& x, dou
     if (!isValid() || !projection->celestialToPlane({ra, dec}, plane))
         return false;
     const Point image = transformation->toImage(plane);
-    if (!std::isfinite(image.x) || !std::isfinite(image.y))
+    if (!isFinite(image))
         return false;
     x = image.x;
     y = image.y;

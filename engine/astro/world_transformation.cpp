@@ -27,7 +27,7 @@ void LinearWorldTransformation::invert(Point reference)
     inverse = {forward[4] / det,  -forward[1] / det, reference.x,
                -forward[3] / det, forward[0] / det,  reference.y};
     const auto finite = [](double value) { return std::isfinite(value); };
-    if (det == 0.0 || !std::all_of(forward.begin(), forward.end(), finite) ||
+    if (!std::isnormal(det) || !std::all_of(forward.begin(), forward.end(), finite) ||
         !std::all_of(inverse.begin(), inverse.end(), finite))
         throw Error("Invalid call to LinearTransformation::Inverse(): Singular matrix");
 }

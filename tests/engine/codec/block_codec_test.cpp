@@ -1,0 +1,79 @@
+#include "engine/codec/block_codec.h"
+
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "engine/codec/text_codec.h"
+
+using Bytes = std::vector<std::uint8_t>;
+
+namespace {
+
+Bytes randomBytes(std::size_t size)
+{
+    std::mt19937 random(11);
+    Bytes bytes(size);
+    for (std::uint8_t& byte : bytes)
+        byte = static_cast<std::uint8_t>(random());
+    return bytes;
+}
+
+Bytes bytesOf(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+} // namespace
+
+TEST(Unshuffle, PutsEveryByteWhereTheDefinitionSays)
+{
+    for (const std::size_t size : {0, 1, 7, 64, 1000, 1003})
+        for (const std::size_t item : {1, 2, 3, 4, 8, 16, 999, 1003, 5000}) {
+            const Bytes in = randomBytes(size);
+            Bytes out(size + 1, 0xEE);
+            zre::unshuffle(in, item, out.data());
+            const std::size_t items = size / item;
+            for (std::size_t i = 0; i < size; ++i) {
+                const bool rest = i >= items * item;
+                ASSERT_EQ(out[i], in[rest ? i : (i % item) * items + i / item])
+                    << size << ' ' << item << ' ' << i;
+            }
+            EXPECT_EQ(out[size], 0xEE);
+        }
+}
+
+TEST(Unshuffle, PartsJoinToTheWhole)
+{
+    for (const std::size_t item : {2, 3, 4, 8}) {
+        const std::size_t items = 777;
+        const Bytes in = randomBytes(items * item);
+        Bytes whole(in.size());
+        Bytes parts(in.size());
+        zre::unshuffle(in, item, whole.data());
+        for (std::size_t first = 0; first < items; first += 100)
+            zre::unshuffleItems(in.data(), items, item, first,
+                                std::min<std::size_t>(100, items - first),
+                                parts.data() + first * item);
+        EXPECT_EQ(parts, whole);
+    }
+}
+
+TEST(TextCodec, Base64ReadsTheVectorsOfItsStandard)
+{
+    for (const auto& [text, bytes] :
+         {std::pair{"", ""}, std::pair{"Zg==", "f"}, std::pair{"Zm8=", "fo"},
+          std::pair{"Zm9v", "foo"}, std::pair{"Zm9vYg", "foob"},
+          std::pair{" Zm9v\n YmE= ", "fooba"}, std::pair{"Zm9vYmFy", "foobar"}})
+        EXPECT_EQ(zre::decodeBase64(text), bytesOf(bytes)) << text;
+    for (const char* bad : {"Z", "Zm9vY", "Zm9=v", "Zm9*", "Zm-_"})
+        EXPECT_EQ(zre::decodeBase64(bad), std::nullopt) << bad;
+}
+
+TEST(TextCodec, HexRefusesHalfABytesAndOtherLetters)
+{
+    EXPECT_EQ(zre::decodeHex("00 fF\n1a"), (Bytes{0, 255, 26}));
+    EXPECT_EQ(zre::decodeHex("0"), std::nullopt);
+    EXPECT_EQ(zre::decodeHex("0g"), std::nullopt);
+}
