@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "engine/image/gaussian_kernel.h"
 #include "engine/image/image.h"
@@ -34,7 +35,8 @@ private:
 ///
 /// The scratch plane is allocated once and serves every plane. Each sample is the float sum of its
 /// taps from -halfWidth to +halfWidth, starting from 0; a tap beyond the border repeats the edge
-/// sample.
+/// sample. The two passes run in step, the columns as soon as the rows they need are there, so
+/// that these are still in the cache.
 class PlaneBlur
 {
 public:
@@ -44,13 +46,20 @@ public:
     void apply(float* plane, LineCounter& lines);
 
 private:
-    void blurRows(const float* plane, LineCounter& lines);
-    void blurColumns(float* plane, LineCounter& lines) const;
+    void blurRow(const float* row, float* out);
+    void blurColumns(float* plane, std::size_t firstLine, std::size_t endLine);
+    void copyTile(std::size_t count);
+    void blurStrip(float* column, std::size_t count, std::size_t firstLine, std::size_t endLine);
 
     std::size_t m_width;
     std::size_t m_height;
-    GaussianKernel m_kernel;
+    std::size_t m_halfWidth;
+    std::vector<float> m_weights;
     std::unique_ptr<float[]> m_scratch;
+    std::vector<float> m_padded;       ///< a row with its edge samples repeated on both sides
+    std::vector<float> m_tile;         ///< a narrow strip of the scratch plane, line by line
+    std::vector<float> m_unused;       ///< where lines beyond the last one go
+    std::vector<const float*> m_lines; ///< the lines that a block of columns reads
 };
 
 } // namespace zre

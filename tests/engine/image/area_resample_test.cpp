@@ -1,39 +1,12 @@
-#include <algorithm>
-#include <cstdint>
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "engine/image/raster.h"
+#include "tests/engine/image/naive.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
-
-namespace {
-
-Image naiveResample(const Image& src, int width, int height)
-{
-    Image out(width, height, src.channels > 2 ? 1 : 0);
-    std::size_t index = 0;
-    for (int c = 0; c < out.channels; ++c)
-        for (std::int64_t j = 0; j < height; ++j)
-            for (std::int64_t i = 0; i < width; ++i) {
-                const std::int64_t y0 = j * src.height / height;
-                const std::int64_t y1 = std::min<std::int64_t>(
-                    src.height, std::max(y0 + 1, (j + 1) * src.height / height));
-                const std::int64_t x0 = i * src.width / width;
-                const std::int64_t x1 = std::min<std::int64_t>(
-                    src.width, std::max(x0 + 1, (i + 1) * src.width / width));
-                float sum = 0.0f;
-                for (std::int64_t y = y0; y < y1; ++y)
-                    for (std::int64_t x = x0; x < x1; ++x)
-                        sum += src.plane(c)[y * src.width + x];
-                out.data[index++] = sum / static_cast<float>((y1 - y0) * (x1 - x0));
-            }
-    return out;
-}
-
-} // namespace
 
 TEST(AreaResample, SumsEachBlockRowByRow)
 {
@@ -50,7 +23,8 @@ TEST(AreaResample, SumsEachBlockRowByRow)
                 const Image src = zrtest::noise(from.width, from.height, model, 41);
                 Image dst;
                 zre::areaResample(src, to.width, to.height, dst);
-                EXPECT_TRUE(zrtest::imagesNear(dst, naiveResample(src, to.width, to.height), 0.0))
+                EXPECT_TRUE(
+                    zrtest::imagesNear(dst, naive::resampled(src, to.width, to.height), 0.0))
                     << from.width << "x" << from.height << " to " << to.width << "x" << to.height;
             }
 }
@@ -63,13 +37,13 @@ TEST(AreaResample, GivesTheChannelsOfItsTargetAndTakesAUsedOne)
     zre::areaResample(grey, 4, 4, dst);
     EXPECT_EQ(dst.channels, 1);
     EXPECT_EQ(dst.colorModel, 0);
-    EXPECT_TRUE(zrtest::imagesNear(dst, naiveResample(grey, 4, 4), 0.0)) << "old sums remain";
+    EXPECT_TRUE(zrtest::imagesNear(dst, naive::resampled(grey, 4, 4), 0.0)) << "old sums remain";
     zre::areaResample(grey, 8, 8, dst);
     EXPECT_EQ(dst.colorModel, 5) << "an equal size copies every field";
     EXPECT_EQ(dst.data, grey.data);
 
     Image inPlace = zrtest::noise(12, 8, 1, 44);
-    const Image expected = naiveResample(inPlace, 4, 4);
+    const Image expected = naive::resampled(inPlace, 4, 4);
     zre::areaResample(inPlace, 4, 4, inPlace);
     EXPECT_TRUE(zrtest::imagesNear(inPlace, expected, 0.0)) << "source and target are one image";
 }
@@ -82,7 +56,7 @@ TEST(AreaResample, KeepsABadSampleInItsBlock)
     for (const int side : {16, 21, 32}) {
         Image dst;
         zre::areaResample(src, side, side, dst);
-        EXPECT_TRUE(zrtest::imagesNear(dst, naiveResample(src, side, side), 0.0)) << side;
+        EXPECT_TRUE(zrtest::imagesNear(dst, naive::resampled(src, side, side), 0.0)) << side;
     }
 }
 

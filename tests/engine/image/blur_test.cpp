@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/engine/image/naive_blur.h"
+#include "tests/engine/image/naive.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;

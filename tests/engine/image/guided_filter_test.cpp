@@ -1,57 +1,14 @@
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "engine/image/blur.h"
-#include "tests/engine/image/naive_blur.h"
+#include "tests/engine/image/naive.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
-
-namespace {
-
-Image product(const Image& a, const Image& b)
-{
-    Image out = a;
-    std::transform(a.data.begin(), a.data.end(), b.data.begin(), out.data.begin(),
-                   std::multiplies<float>());
-    return out;
-}
-
-/// The filter as it is defined, one plane for each quantity.
-Image naiveGuided(const Image& guide, const Image& target, float sigma, float eps)
-{
-    const auto mean = [&](const Image& img) {
-        return sigma > 0.0f ? naive::blurred(img, sigma, 0.01f) : img;
-    };
-    const Image meanI = mean(guide);
-    const Image meanP = mean(target);
-    const Image meanII = mean(product(guide, guide));
-    const Image meanIP = mean(product(guide, target));
-    Image a = target;
-    Image b = target;
-    for (std::size_t i = 0; i < a.data.size(); ++i) {
-        const double mI = meanI.data[i];
-        const double mP = meanP.data[i];
-        const double var = meanII.data[i] - mI * mI + static_cast<double>(eps);
-        const double slope = (meanIP.data[i] - mI * mP) / var;
-        a.data[i] = static_cast<float>(slope);
-        b.data[i] = static_cast<float>(mP - slope * mI);
-    }
-    const Image meanA = mean(a);
-    const Image meanB = mean(b);
-    Image out = target;
-    for (std::size_t i = 0; i < out.data.size(); ++i)
-        out.data[i] = static_cast<float>(static_cast<double>(meanA.data[i]) *
-                                             static_cast<double>(guide.data[i]) +
-                                         static_cast<double>(meanB.data[i]));
-    return out;
-}
-
-} // namespace
 
 TEST(GuidedFilter, EqualsItsDefinitionBitForBit)
 {
@@ -65,7 +22,7 @@ TEST(GuidedFilter, EqualsItsDefinitionBitForBit)
           Case{18, 17, 30.0f, 1e-2f}, Case{9, 8, 0.0f, 1e-3f}, Case{9, 8, -1.0f, 1e-3f}}) {
         const Image guide = zrtest::noise(c.width, c.height, 0, 21);
         Image target = zrtest::noise(c.width, c.height, 0, 22);
-        const Image expected = naiveGuided(guide, target, c.sigma, c.eps);
+        const Image expected = naive::guided(guide, target, c.sigma, c.eps);
         zre::guidedFilter(guide, target, static_cast<double>(c.sigma), c.eps, {});
         EXPECT_TRUE(zrtest::imagesNear(target, expected, 0.0))
             << c.width << "x" << c.height << " sigma " << c.sigma;
@@ -75,7 +32,7 @@ TEST(GuidedFilter, EqualsItsDefinitionBitForBit)
 TEST(GuidedFilter, MayBeGuidedByItsOwnTarget)
 {
     Image img = zrtest::noise(40, 30, 0, 23);
-    const Image expected = naiveGuided(img, img, 2.0f, 1e-2f);
+    const Image expected = naive::guided(img, img, 2.0f, 1e-2f);
     zre::guidedFilter(img, img, 2.0, 1e-2f, {});
     EXPECT_TRUE(zrtest::imagesNear(img, expected, 0.0));
 }

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/image/raster.h"
+#include "tests/engine/image/naive.h"
 #include "tests/support/testkit.h"
 
 using zre::Histogram;
@@ -18,14 +19,6 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-
-std::size_t naiveBin(float v)
-{
-    if (std::isnan(v))
-        return 0;
-    return static_cast<std::size_t>(
-        std::clamp(std::floor(static_cast<double>(v) * 1024.0), 0.0, 1023.0));
-}
 
 /// Noise beyond both ends, every bin edge with its neighbours, and the odd values.
 std::vector<float> awkwardSamples()
@@ -60,7 +53,7 @@ TEST(Histogram, CountsEverySampleInTheBinOfItsFloor)
         const std::size_t size = skip < 10 ? samples.size() - 7 * skip : skip - 10;
         Histogram expected;
         for (std::size_t i = 0; i < size; ++i)
-            ++expected.count[naiveBin(samples[i])];
+            ++expected.count[naive::bin(samples[i])];
         EXPECT_EQ(zre::histogramOf(samples.data(), size).count, expected.count) << size;
     }
 }
@@ -75,7 +68,7 @@ TEST(Histogram, AboveAFloorCountsOnlyWhatIsStrictlyGreater)
         Histogram expected;
         for (const float v : samples)
             if (static_cast<double>(v) > floor)
-                ++expected.count[naiveBin(v)];
+                ++expected.count[naive::bin(v)];
         EXPECT_EQ(zre::histogramAbove(samples.data(), samples.size(), floor).count, expected.count)
             << "floor " << floor;
     }
@@ -95,12 +88,12 @@ TEST(Percentile, AgreesWithSortingToTheWidthOfABin)
             const std::size_t rank =
                 static_cast<std::size_t>(std::floor(fraction * static_cast<double>(count)));
             const double expected =
-                rank == 0 ? 0.5 / 1024.0 : (naiveBin(sorted[rank - 1]) + 0.5) / 1024.0;
+                rank == 0 ? 0.5 / 1024.0 : (naive::bin(sorted[rank - 1]) + 0.5) / 1024.0;
             EXPECT_EQ(zre::percentileValue(img, fraction), expected) << count << " " << fraction;
         }
         const std::size_t half = static_cast<std::size_t>(count) / 2;
         EXPECT_EQ(zre::medianValue(img),
-                  half == 0 ? 0.5 / 1024.0 : (naiveBin(sorted[half - 1]) + 0.5) / 1024.0);
+                  half == 0 ? 0.5 / 1024.0 : (naive::bin(sorted[half - 1]) + 0.5) / 1024.0);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/image/raster.h"
+#include "tests/engine/image/naive.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
@@ -14,25 +15,6 @@ using zre::Image;
 namespace {
 
 constexpr double kTolerance = 2e-7;
-
-double linearised(float v)
-{
-    return static_cast<double>(v <= 0.04045f ? v / 12.92f : std::pow((v + 0.055f) / 1.055f, 2.4f));
-}
-
-/// The definition, with the C library's functions.
-double lightness(double y)
-{
-    const double f =
-        y > 0.008856451679035631 ? std::cbrt(y) : (903.2962962962963 * y + 16.0) / 116.0;
-    const double l = 116.0 * f - 16.0;
-    return l < 0.0 ? 0.0 : l > 100.0 ? 1.0 : l / 100.0;
-}
-
-double luminance(float r, float g, float b)
-{
-    return 0.2126 * linearised(r) + 0.7152 * linearised(g) + 0.0722 * linearised(b);
-}
 
 /// Every 997th float from 0 to beyond 1, and all floats about the two seams of the rule.
 std::vector<float> greySweep()
@@ -62,8 +44,8 @@ TEST(Lightness, OfGreyStaysWithinItsToleranceOverTheWholeRange)
     double worst = 0.0;
     float where = 0.0f;
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const double error =
-            std::fabs(static_cast<double>(dst.data[i]) - lightness(linearised(values[i])));
+        const double error = std::fabs(static_cast<double>(dst.data[i]) -
+                                       naive::lightness(naive::linearised(values[i])));
         if (!(error <= worst)) {
             worst = error;
             where = values[i];
@@ -90,8 +72,8 @@ TEST(Lightness, OfColoursStaysWithinItsTolerance)
         ASSERT_EQ(dst.colorModel, 0);
         double worst = 0.0;
         for (std::size_t i = 0; i < src.pixelCount(); ++i) {
-            const double expected =
-                lightness(luminance(src.plane(0)[i], src.plane(1)[i], src.plane(2)[i]));
+            const double expected = naive::lightness(
+                naive::luminance(src.plane(0)[i], src.plane(1)[i], src.plane(2)[i]));
             const double error = std::fabs(static_cast<double>(dst.data[i]) - expected);
             worst = error <= worst ? worst : error;
         }
@@ -122,7 +104,7 @@ TEST(Lightness, OfOddSamplesFollowsTheDefinition)
         const float r = src.plane(0)[i];
         const float g = src.plane(1)[i];
         const float b = src.plane(2)[i];
-        const double expected = lightness(luminance(r, g, b));
+        const double expected = naive::lightness(naive::luminance(r, g, b));
         if (std::isnan(expected))
             EXPECT_TRUE(std::isnan(dst.data[i])) << r << " " << g << " " << b;
         else
