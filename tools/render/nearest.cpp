@@ -34,7 +34,7 @@ QString nearestName(const QString& name, const QStringList& candidates)
     if (name.size() > longest)
         return {};
     QString nearest;
-    int least = std::max(2, static_cast<int>(name.size()) / 3) + 1;
+    int least = std::max(2, (static_cast<int>(name.size()) + 2) / 3) + 1;
     for (const QString& candidate : candidates) {
         const int distance = editDistance(name.toLower(), candidate.toLower());
         if (distance < least && distance < candidate.size()) {

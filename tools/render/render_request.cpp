@@ -129,11 +129,11 @@ QString stretchText(const DecodedFile& file)
              QString::number(file.stretch.midtones, 'g', 4));
 }
 
-int renderPercent(int pipelinePercent)
+int percentWithin(int pipelinePercent, int end)
 {
     constexpr int kFirst = RenderPipeline::kFirstPercent;
     const int within = std::clamp(pipelinePercent, kFirst, 100) - kFirst;
-    return kReadPercent + within * (kWritePercent - kReadPercent) / (100 - kFirst);
+    return kReadPercent + within * (end - kReadPercent) / (100 - kFirst);
 }
 
 } // namespace zrrender

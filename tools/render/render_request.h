@@ -18,11 +18,11 @@ Outcome openInputs(const Invocation& invocation, Session& session, Console& cons
 /// What linear data went through before they were rendered; empty when nothing.
 QString stretchText(const DecodedFile& file);
 
-/// Maps the percent of a pipeline, which begins at `RenderPipeline::kFirstPercent`, into the part
-/// of the run between reading and writing.
-int renderPercent(int pipelinePercent);
+constexpr int kReadPercent = 10;  ///< of the run, when reading is done
+constexpr int kWritePercent = 90; ///< when writing begins
 
-constexpr int kReadPercent = 10;  ///< reading is done
-constexpr int kWritePercent = 90; ///< writing begins
+/// Maps the percent of a pipeline, which begins at `RenderPipeline::kFirstPercent`, into the part
+/// of the run from `kReadPercent` to `end`.
+int percentWithin(int pipelinePercent, int end);
 
 } // namespace zrrender

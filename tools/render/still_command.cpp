@@ -55,7 +55,7 @@ Outcome runStill(const Invocation& invocation, RunContext& context)
 
     RenderPipeline pipeline(session);
     pipeline.setStageReporter([&](int percent, const QString& text) {
-        context.console.progress(renderPercent(percent), text);
+        context.console.progress(percentWithin(percent, kWritePercent), text);
     });
     zre::Image image;
     QString status;

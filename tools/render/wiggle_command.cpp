@@ -11,6 +11,8 @@ namespace zrrender {
 static constexpr const char* kDefaultFrameBits =
     "8"; // what encoders take, and a quarter of the time
 
+static constexpr int kFramesPercent = 40; // the depth map is there, and the frames begin
+
 static QString framePath(const QString& folder, int frame)
 {
     return QDir(folder).filePath(
@@ -34,16 +36,15 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
 {
     RenderPipeline pipeline(session);
     pipeline.setStageReporter([&](int percent, const QString& text) {
-        context.console.progress(renderPercent(percent) / 2, text);
+        context.console.progress(percentWithin(percent, kFramesPercent), text);
     });
     pipeline.cachedDepth();
     pipeline.setStageReporter({});
     const int frames = session.params.wiggleFrames;
-    const int firstPercent = renderPercent(100) / 2;
     zre::Image image;
     for (int frame = 0; frame < frames; ++frame) {
         context.console.progress(
-            firstPercent + (100 - firstPercent) * frame / frames,
+            kFramesPercent + (100 - kFramesPercent) * frame / frames,
             QStringLiteral("Rendering frame %1 of %2...").arg(frame + 1).arg(frames));
         pipeline.renderWiggle(frame, image);
         const Outcome outcome =

@@ -38,7 +38,8 @@ struct Rebuild
 };
 
 class DepthLevels : public testing::TestWithParam<Rebuild>
-{};
+{
+};
 
 TEST_P(DepthLevels, RebuildOnlyWhatTheChangeReaches)
 {
@@ -74,11 +75,10 @@ INSTANTIATE_TEST_SUITE_P(
                 0, 0, 0},
         Rebuild{"objectFit", [](Session& s) { s.params.objectFit = 0.7f; }, 0, 1, 1},
         Rebuild{"smoothness", [](Session& s) { s.params.smoothness = 3.0f; }, 1, 1, 1},
-        Rebuild{"source",
-                [](Session& s) {
-                    s.installSource("other.png", zrtest::noise(24, 16, 1, 4), {}, {});
-                },
-                1, 1, 1}),
+        Rebuild{
+            "source",
+            [](Session& s) { s.installSource("other.png", zrtest::noise(24, 16, 1, 4), {}, {}); },
+            1, 1, 1}),
     [](const auto& row) { return row.param.what; });
 
 TEST(RenderPipeline, AnotherSourceOrMapNeverShowsTheOldDepth)
@@ -118,8 +118,8 @@ TEST(RenderPipeline, ViewsAreWhatTheEngineRendersFromTheSameDepth)
                             nullptr, 0.9, 1.0, 0.8);
         EXPECT_TRUE(zrtest::imagesNear(view, expected, 0));
         ASSERT_TRUE(pipeline.renderView(3, {}, view, nullptr));
-        zre::renderSideBySide(session.source, depth, session.params, expected, nullptr, {},
-                              nullptr, nullptr);
+        zre::renderSideBySide(session.source, depth, session.params, expected, nullptr, {}, nullptr,
+                              nullptr);
         EXPECT_TRUE(zrtest::imagesNear(view, expected, 0));
     }
 }

@@ -1,0 +1,319 @@
+#include "tools/render/program.h"
+
+#include <fstream>
+#include <sstream>
+
+#include <QJsonDocument>
+#include <gmock/gmock.h>
+
+#include "app/export/still_file.h"
+#include "app/persist/param_text.h"
+#include "app/session/open_document.h"
+#include "app/session/render_pipeline.h"
+#include "engine/demo/demo_scene.h"
+#include "tests/support/testkit.h"
+#include "tests/tools/render/folder_listing.h"
+
+namespace fs = std::filesystem;
+
+namespace zrrender {
+namespace {
+
+using testing::HasSubstr;
+using zrtest::listing;
+
+struct Spoken
+{
+    int code;
+    std::string out;
+    std::string err;
+};
+
+class Program : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = zrtest::scratchFolder() / "program";
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        source = zrtest::noise(36, 24, 1, 4);
+        EXPECT_TRUE(writeStill(at("in.tif"), source, {32}, nullptr));
+    }
+
+    QString at(const QString& name) const
+    {
+        return QString::fromStdString((folder / name.toStdString()).string());
+    }
+
+    /// Runs a line whose words begin with "@" where a file of the folder is meant.
+    Spoken run(const QString& line) const
+    {
+        QStringList arguments = line.split(' ', Qt::SkipEmptyParts);
+        for (QString& argument : arguments)
+            if (argument.startsWith('@'))
+                argument = at(argument.mid(1));
+        std::ostringstream out;
+        std::ostringstream err;
+        Console console(out, err, false);
+        StagedOutputs outputs;
+        const int code = runCommandLine(arguments, console, outputs);
+        return {code, out.str(), err.str()};
+    }
+
+    void ok(const QString& line) const
+    {
+        const Spoken ended = run(line);
+        EXPECT_EQ(ended.code, 0) << line.toStdString() << "\n" << ended.err;
+    }
+
+    Session opened(const QString& name) const
+    {
+        Session session;
+        QString error;
+        EXPECT_TRUE(openSource(at(name), StretchMode::None, session, nullptr, &error))
+            << error.toStdString();
+        return session;
+    }
+
+    /// The view by the pipeline itself.
+    zre::Image view(int id, const char* parameters = "") const
+    {
+        Session session = opened("in.tif");
+        QList<QString> unknown;
+        zrproj::paramsFromText(parameters, session.params, session.outputMode, unknown);
+        zre::Image image;
+        RenderPipeline(session).renderView(id, {}, image, nullptr);
+        return image;
+    }
+
+    fs::path folder;
+    zre::Image source;
+};
+
+TEST_F(Program, StillInEveryFormatReadsBackAsThePipelineRendersIt)
+{
+    struct Format
+    {
+        const char* name;
+        const char* bits;
+        double tolerance;
+    };
+    const Format formats[] = {{"o.xisf", "", 0},
+                              {"o.fits", "", 0},
+                              {"o.fts", "--bits 32", 0},
+                              {"o.tif", "", 0.5001 / 65535},
+                              {"o.tiff", "--bits 32", 0},
+                              {"o.tif", "--bits 8", 0.5001 / 255},
+                              {"o.png", "", 0.5001 / 65535},
+                              {"o.PNG", "--bits 8", 0.5001 / 255},
+                              {"o.jpg", "", 0.1}};
+    const std::pair<const char*, int> views[] = {{"source", 0}, {"depth", 1}, {"sbs", 3}};
+    for (const auto& [key, id] : views) {
+        const zre::Image expected = view(id);
+        for (const Format& format : formats) {
+            if (id != 1 && format.tolerance == 0.1)
+                continue; // noise is no picture for JPEG
+            ok(QString("still @in.tif -o @%1 --view %2 %3").arg(format.name, key, format.bits));
+            zre::Image read = opened(format.name).source;
+            if (expected.channels == 1)
+                read = depthPlane(std::move(read));
+            EXPECT_TRUE(zrtest::imagesNear(read, expected, format.tolerance))
+                << format.name << format.bits << key;
+        }
+    }
+    EXPECT_EQ(listing(folder).size(), 9u); // the input and eight names: no leftovers
+}
+
+TEST_F(Program, SolutionStaysOnlyWithTheSourcesGeometry)
+{
+    ok("demo-scene -o @scene.xisf --size 64x48");
+    double ra = 0.0;
+    double dec = 0.0;
+    ASSERT_TRUE(opened("scene.xisf").wcs.imageToCelestial(10.0, 5.0, ra, dec));
+    for (const char* name : {"o.xisf", "o.fits"}) {
+        for (const char* key : {"source", "depth", "anaglyph"}) {
+            ok(QString("still @scene.xisf -o @%1 --view %2").arg(name, key));
+            double keptRa = 0.0;
+            double keptDec = 0.0;
+            ASSERT_TRUE(opened(name).wcs.imageToCelestial(10.0, 5.0, keptRa, keptDec)) << key;
+            EXPECT_NEAR(keptRa, ra, 1e-9);
+            EXPECT_NEAR(keptDec, dec, 1e-9);
+        }
+        ok(QString("still @scene.xisf -o @%1 --view sbs").arg(name));
+        EXPECT_FALSE(opened(name).wcs.valid);
+    }
+}
+
+TEST_F(Program, LaterParametersOverrideEarlierOnes)
+{
+    std::ofstream(folder / "p.txt")
+        << "depthGamma=3\nsmoothness=0\nsomethingNewer=1\noutputMode=1\n";
+    const Spoken ended = run("still @in.tif -o @o.xisf --params @p.txt --set smoothness=5 "
+                             "--set smoothness=1.5");
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_THAT(ended.err, HasSubstr("somethingNewer"));
+    EXPECT_TRUE(
+        zrtest::imagesNear(opened("o.xisf").source, view(1, "depthGamma=3\nsmoothness=1.5"), 0));
+}
+
+TEST_F(Program, NamedDepthMapCountsUnlessToldOtherwise)
+{
+    zre::Image map = zrtest::noise(36, 24, 0, 77);
+    ASSERT_TRUE(writeStill(at("map.fits"), map, {}, nullptr));
+    ok("still @in.tif -o @o.xisf --view depth --depth-map @map.fits");
+    EXPECT_TRUE(zrtest::imagesNear(opened("o.xisf").source, map, 0));
+    ok("still @in.tif -o @o.xisf --view depth --depth-map @map.fits --set depthMapEnabled=0");
+    EXPECT_TRUE(zrtest::imagesNear(opened("o.xisf").source, view(1), 0));
+    std::ofstream(folder / "p.txt") << "depthMapEnabled=0\ndepthMapBlend=0.25\n";
+    ok("still @in.tif -o @o.xisf --view depth --depth-map @map.fits --params @p.txt");
+    zre::Image mixed = view(1);
+    for (std::size_t i = 0; i < mixed.data.size(); ++i)
+        mixed.data[i] = 0.75f * mixed.data[i] + 0.25f * map.data[i];
+    EXPECT_TRUE(zrtest::imagesNear(opened("o.xisf").source, mixed, 1e-6));
+}
+
+struct Refusal
+{
+    const char* line;
+    int code;
+    const char* message;
+};
+
+TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
+{
+    std::ofstream(folder / "p.txt") << "wiggleFrames=2000000000\n";
+    std::ofstream(folder / "view.txt") << "outputMode=5\n";
+    std::ofstream(folder / "broken.xisf") << "XISF0100";
+    fs::create_directory(folder / "full");
+    std::ofstream(folder / "full" / ".hidden") << "";
+    const Refusal refusals[] = {
+        {"still @in.tif -o @o.bmp2", 2, "no suffix that can be written"},
+        {"still @in.tif -o @o.png --bits 32", 2, ".png file takes --bits 16 or 8"},
+        {"still @in.tif -o @o.jpg --bits 16", 2, ".jpg file takes --bits 8"},
+        {"still @in.tif -o @in.tif", 2, "not overwritten"},
+        {"still @in.tif -o @p.txt.png --params @p.txt", 2, "wiggleFrames = 2e+09 is out of range"},
+        {"still @in.tif -o @o.png --set parallaxAmout=3", 2, "parallaxAmount"},
+        {"still @in.tif -o @o.png --set parallaxAmount=101", 2, "100"},
+        {"still @in.tif -o @o.png --set parallaxAmount", 2, "KEY=VALUE"},
+        {"still @in.tif -o @o.png --set =3", 2, "KEY=VALUE"},
+        {"still @in.tif -o @o.png --params @view.txt", 2, "--view"},
+        {"still @in.tif -o @o.png --params @absent.txt", 1, "absent.txt"},
+        {"still @absent.tif -o @o.png", 1, "absent.tif"},
+        {"still @broken.xisf -o @o.png", 1, "broken.xisf"},
+        {"still @in.tif -o @o.png --depth-map @broken.xisf", 1, "broken.xisf"},
+        {"still @in.tif -o @absent/o.png", 1, "absent"},
+        {"wiggle @in.tif -o @full", 1, "not empty"},
+        {"wiggle @in.tif -o @p.txt", 1, "not a folder"},
+        {"demo-scene -o @o.xisf --size 15x40", 2, "--size"},
+        {"demo-scene -o @o.xisf --size 40", 2, "--size"},
+        {"demo-scene -o @o.xisf --size 40x32769", 2, "32768"},
+        {"demo-scene -o @o.xisf --seed -1", 2, "--seed"},
+        {"demo-scene -o @o", 2, "no suffix"},
+        {"params --text --json", 2, "not both"},
+    };
+    const auto before = listing(folder);
+    for (const Refusal& refusal : refusals) {
+        const Spoken ended = run(refusal.line);
+        EXPECT_EQ(ended.code, refusal.code) << refusal.line;
+        EXPECT_THAT(ended.err, HasSubstr(refusal.message)) << refusal.line;
+        EXPECT_EQ(ended.err.find("zerrith-render: "), 0u) << refusal.line;
+        EXPECT_EQ(ended.err.find('\n'), ended.err.size() - 1) << refusal.line;
+        EXPECT_EQ(listing(folder), before) << refusal.line;
+    }
+}
+
+TEST_F(Program, WigglesFramesAreThePipelines)
+{
+    ok("wiggle @in.tif -o @new/frames --bits 16 --set wiggleFrames=5 --set wiggleCircular=1");
+    Session session = opened("in.tif");
+    session.params.wiggleFrames = 5;
+    session.params.wiggleCircular = true;
+    RenderPipeline pipeline(session);
+    for (int i = 0; i < 5; ++i) {
+        zre::Image frame;
+        ASSERT_TRUE(pipeline.renderWiggle(i, frame));
+        EXPECT_TRUE(zrtest::imagesNear(opened(QString("new/frames/frame_000%1.png").arg(i)).source,
+                                       frame, 0.5001 / 65535));
+    }
+    EXPECT_EQ(listing(folder / "new").size(), 6u);
+}
+
+TEST_F(Program, DemoScenesTruthIsTheEngines)
+{
+    ok("demo-scene -o @scene.xisf --size 80x50 --seed 9 --truth @truth");
+    zre::DemoSceneOptions options;
+    options.width = 80;
+    options.height = 50;
+    options.seed = 9;
+    const zre::DemoScene scene = zre::makeDemoScene(options);
+    EXPECT_TRUE(zrtest::imagesNear(opened("scene.xisf").source, scene.picture, 0));
+    EXPECT_TRUE(zrtest::imagesNear(opened("truth/depth.xisf").source, scene.depth, 0));
+    EXPECT_TRUE(zrtest::imagesNear(opened("truth/starless.xisf").source, scene.starless, 0));
+    const auto bytes = zrtest::readBytes(folder / "truth" / "stars.csv");
+    const QStringList rows = QString::fromUtf8(reinterpret_cast<const char*>(bytes.data()),
+                                               static_cast<qsizetype>(bytes.size()))
+                                 .split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(static_cast<std::size_t>(rows.size()), scene.stars.size() + 1);
+    const QStringList last = rows.last().split(',');
+    ASSERT_EQ(last.size(), 8);
+    EXPECT_NEAR(last[1].toDouble(), scene.stars.back().y, 1e-6);
+    EXPECT_EQ(last[7].toFloat(), scene.stars.back().b);
+}
+
+TEST_F(Program, JsonIsOneObjectALineAndEndsInTheResult)
+{
+    const char* const lines[] = {
+        "still @in.tif -o @o.png --json",
+        "--json wiggle @in.tif -o @w --set wiggleFrames=2",
+        "info @in.tif --json",
+        "demo-scene -o @s.xisf --size 32x32 --json",
+        "params --json",
+    };
+    for (const char* line : lines) {
+        const Spoken ended = run(line);
+        EXPECT_EQ(ended.code, 0) << line << ended.err;
+        EXPECT_EQ(ended.err, "") << line;
+        int percent = 0;
+        QJsonObject last;
+        for (const QString& text :
+             QString::fromStdString(ended.out).split('\n', Qt::SkipEmptyParts)) {
+            QJsonParseError fault;
+            last = QJsonDocument::fromJson(text.toUtf8(), &fault).object();
+            EXPECT_EQ(fault.error, QJsonParseError::NoError) << text.toStdString();
+            if (last["event"] == "progress") {
+                EXPECT_GE(last["percent"].toInt(), percent) << line;
+                percent = last["percent"].toInt();
+            }
+        }
+        EXPECT_EQ(last["event"], QJsonValue("result")) << line;
+    }
+    const Spoken failed = run("info @absent.png --json");
+    const QString errorLine = QString::fromStdString(failed.out).trimmed().section('\n', -1);
+    EXPECT_EQ(QJsonDocument::fromJson(errorLine.toUtf8()).object()["code"], QJsonValue(1));
+}
+
+TEST_F(Program, QuietSaysNothingButAnswersAndErrors)
+{
+    std::ofstream(folder / "p.txt") << "unknownKey=1\n";
+    const Spoken still = run("still @in.tif -o @o.png -q --params @p.txt");
+    EXPECT_EQ(still.out + still.err, "");
+    EXPECT_THAT(run("info @in.tif -q").out, HasSubstr("36 x 24"));
+    EXPECT_THAT(run("info @absent.tif -q").err, HasSubstr("absent.tif"));
+}
+
+TEST_F(Program, ParameterTextIsReadBackAsTheDefaults)
+{
+    const Spoken text = run("params --text");
+    zre::ZRParams params;
+    params.smoothness = 9.0f;
+    int outputMode = 0;
+    QList<QString> unknown;
+    zrproj::paramsFromText(QString::fromStdString(text.out), params, outputMode, unknown);
+    EXPECT_TRUE(unknown.isEmpty());
+    EXPECT_EQ(params.smoothness, zre::ZRParams().smoothness);
+    EXPECT_EQ(outputMode, 2);
+}
+
+} // namespace
+} // namespace zrrender
