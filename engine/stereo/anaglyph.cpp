@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <utility>
 
 #include "engine/image/multiversion.h"
 #include "engine/stereo/views.h"
@@ -83,13 +82,14 @@ void makeAnaglyph(const Image& left, const Image& right, Image& out, int mode, d
     }
     const auto& encoding = kEncodings[mode >= 0 && mode < 4 ? static_cast<std::size_t>(mode) : 0];
     const std::array gains{gainR, gainG, gainB};
-    Image mixed(left.width, left.height, 1);
-    const std::size_t size = mixed.pixelCount();
+    if (!out.sameSize(left) || out.channels != 3)
+        out = Image(left.width, left.height, 1);
+    out.colorModel = 1;
+    const std::size_t size = out.pixelCount();
     for (std::size_t from = 0; from < size; from += kStrip)
         for (std::size_t c = 0; c < 3; ++c)
             mixStrip(planes, encoding[c], std::isfinite(gains[c]) ? gains[c] : 1.0, from,
-                     std::min(kStrip, size - from), mixed.plane(static_cast<int>(c)));
-    out = std::move(mixed);
+                     std::min(kStrip, size - from), out.plane(static_cast<int>(c)));
 }
 
 } // namespace zre

@@ -1,6 +1,10 @@
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 
+#include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
+#include "engine/stereo/lanes.h"
 #include "engine/stereo/warp.h"
 
 namespace zre {
@@ -10,48 +14,105 @@ namespace {
 constexpr int kHole = -1;
 constexpr float kNothing = -1e30f;
 
-/// For each column of one output row: the source column that landed there, and its depth.
-struct LandingRow
+/// The scratch rows of one call, a cell longer than the image: pixels that leave the row land in
+/// that last cell, so that the scatter needs no test.
+struct Rows
 {
-    std::vector<int> source;
-    std::vector<float> z;
+    explicit Rows(std::size_t width)
+        : depth(width)
+        , target(width)
+        , source(width + 1)
+        , z(width + 1)
+    {
+    }
+
+    std::vector<float> depth; ///< finite depth of the source row
+    std::vector<int> target;  ///< output column of each source pixel
+    std::vector<int> source;  ///< source column shown by each output cell
+    std::vector<float> z;     ///< its depth
 };
 
-void land(const Warp& warp, const float* depth, int width, LandingRow& row)
+ZR_MULTIVERSION void aim(const Warp& callersWarp, const float* __restrict depth, int width,
+                         float* __restrict finite, int* __restrict target)
 {
-    std::fill(row.source.begin(), row.source.end(), kHole);
-    std::fill(row.z.begin(), row.z.end(), kNothing);
+    const Warp warp = callersWarp;
+    const double outside = width;
     for (int x = 0; x < width; ++x) {
         const float d = finiteDepth(warp, depth[x]);
-        const double cell = std::floor(x + horizontalShift(warp, d) + 0.5);
-        if (!(cell >= 0.0 && cell < width))
-            continue;
-        const auto target = static_cast<std::size_t>(cell);
-        if (d > row.z[target]) {
-            row.source[target] = x;
-            row.z[target] = d;
-        }
+        const double cell = x + horizontalShift(warp, d) + 0.5;
+        finite[x] = d;
+        const double forward = cell >= 0.0 ? cell : outside;
+        target[x] = static_cast<int>(forward < outside ? forward : outside);
     }
 }
 
-/// Lets the holes of a row show the farther of the pixels beside them, the left one when equal.
-void fillHoles(int width, LandingRow& row)
+/// The nearest pixel wins a cell, the first of equals. Nearly all blocks move as one.
+void land(const float* depth, const int* target, int width, int* source, float* z)
 {
-    const auto first = row.source.begin();
-    const auto end = first + width;
-    for (auto i = std::find(first, end, kHole); i != end; i = std::find(i, end, kHole)) {
-        const auto j = std::find_if(i, end, [](int source) { return source != kHole; });
-        const auto left = i - first - 1;
-        const auto right = j - first;
-        if (left < 0 && j == end)
-            return;
-        const bool takeLeft = left >= 0 && (j == end || row.z[static_cast<std::size_t>(left)] <=
-                                                            row.z[static_cast<std::size_t>(right)]);
-        const auto chosen = static_cast<std::size_t>(takeLeft ? left : right);
-        std::fill(i, j, row.source[chosen]);
-        std::fill(row.z.begin() + (i - first), row.z.begin() + right, row.z[chosen]);
-        i = j;
+    int x = 0;
+    for (; x + kBlock <= width; x += kBlock) {
+        if (straight(target + x)) {
+            const int cell = target[x];
+            landFour(depth + x, Ints{0, 1, 2, 3} + x, source + cell, z + cell);
+            landFour(depth + x + 4, Ints{4, 5, 6, 7} + x, source + cell + 4, z + cell + 4);
+        } else {
+            for (int k = x; k < x + kBlock; ++k)
+                landOne(depth[k], k, source[target[k]], z[target[k]]);
+        }
     }
+    for (; x < width; ++x)
+        landOne(depth[x], x, source[target[x]], z[target[x]]);
+}
+
+int firstHole(const int* source, int from, int width)
+{
+    int x = from;
+    while (x + kBlock <= width && !anyNegative(source + x))
+        x += kBlock;
+    while (x < width && source[x] != kHole)
+        ++x;
+    return x;
+}
+
+/// Lets the holes of a row show the farther of the pixels beside them, the left one when equal.
+void fillHoles(int width, int* source, float* z)
+{
+    for (int i = firstHole(source, 0, width); i < width;) {
+        int j = i;
+        while (j < width && source[j] == kHole)
+            ++j;
+        if (i == 0 && j == width)
+            return;
+        const int chosen = i > 0 && (j == width || z[i - 1] <= z[j]) ? i - 1 : j;
+        std::fill(source + i, source + j, source[chosen]);
+        std::fill(z + i, z + j, z[chosen]);
+        i = firstHole(source, j, width);
+    }
+}
+
+/// Copies a row of every channel from its source columns; the row has no hole.
+void copyRow(const Image& src, std::size_t offset, const int* source, Image& out)
+{
+    const std::size_t planeSize = src.pixelCount();
+    const float* const from = src.data.data() + offset;
+    float* const to = out.data.data() + offset;
+    const std::size_t end = planeSize * static_cast<std::size_t>(src.channels);
+    int x = 0;
+    for (; x + kBlock <= src.width; x += kBlock) {
+        if (straight(source + x)) {
+            for (std::size_t plane = 0; plane < end; plane += planeSize)
+                std::memcpy(to + plane + x, from + plane + source[x], kBlock * sizeof(float));
+        } else {
+            for (std::size_t plane = 0; plane < end; plane += planeSize)
+                for (int k = x; k < x + kBlock; ++k)
+                    to[plane + static_cast<std::size_t>(k)] =
+                        from[plane + static_cast<std::size_t>(source[k])];
+        }
+    }
+    for (; x < src.width; ++x)
+        for (std::size_t plane = 0; plane < end; plane += planeSize)
+            to[plane + static_cast<std::size_t>(x)] =
+                from[plane + static_cast<std::size_t>(source[x])];
 }
 
 } // namespace
@@ -68,25 +129,29 @@ void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, doubl
                                .offsetX = offsetX,
                                .maxDisparity = maxDisparity},
                               width, src.height);
-    const auto columns = static_cast<std::size_t>(width);
     if (outDepth)
         shapeDepth(*outDepth, width, src.height);
-    LandingRow row{std::vector<int>(columns), std::vector<float>(columns)};
+    const auto columns = static_cast<std::size_t>(width);
+    Rows rows(columns);
     for (int y = 0; y < src.height; ++y) {
         if (progress && y % 64 == 0)
             progress(static_cast<double>(y) / src.height);
         const std::size_t offset = static_cast<std::size_t>(y) * columns;
-        land(warp, depth.plane(0) + offset, width, row);
-        fillHoles(width, row);
-        for (int c = 0; c < src.channels; ++c) {
-            const float* const from = src.plane(c) + offset;
-            float* const to = out.plane(c) + offset;
-            for (std::size_t x = 0; x < columns; ++x)
-                to[x] = row.source[x] == kHole ? 0.0f : from[row.source[x]];
-        }
-        if (outDepth)
-            for (std::size_t x = 0; x < columns; ++x)
-                outDepth->plane(0)[offset + x] = row.source[x] == kHole ? -1.0f : row.z[x];
+        std::fill(rows.source.begin(), rows.source.end(), kHole);
+        std::fill(rows.z.begin(), rows.z.end(), kNothing);
+        aim(warp, depth.plane(0) + offset, width, rows.depth.data(), rows.target.data());
+        land(rows.depth.data(), rows.target.data(), width, rows.source.data(), rows.z.data());
+        fillHoles(width, rows.source.data(), rows.z.data());
+        const bool empty = rows.source.front() == kHole;
+        if (empty)
+            for (int c = 0; c < src.channels; ++c)
+                std::fill_n(out.plane(c) + offset, columns, 0.0f);
+        else
+            copyRow(src, offset, rows.source.data(), out);
+        if (outDepth && empty)
+            std::fill_n(outDepth->plane(0) + offset, columns, -1.0f);
+        else if (outDepth)
+            std::copy_n(rows.z.begin(), columns, outDepth->plane(0) + offset);
     }
 }
 

@@ -44,7 +44,8 @@ inline double horizontalShift(const Warp& warp, double depth)
     if (!(warp.maxDisparity > 0.0))
         return shift;
     const double limit = warp.maxDisparity * 0.5;
-    return shift < -limit ? -limit : (shift > limit ? limit : shift);
+    const double raised = shift < -limit ? -limit : shift;
+    return raised > limit ? limit : raised;
 }
 
 /// How far the pixel at (`x`, `y`) moves, in pixels.

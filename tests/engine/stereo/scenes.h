@@ -9,10 +9,6 @@ namespace zrtest {
 
 zre::Image flatDepth(int width, int height, float depth);
 
-/// A depth map as photographs give: smooth hills, raised plates with sharp edges, and fine noise of
-/// the given amplitude.
-zre::Image hillyDepth(int width, int height, double noise, unsigned seed);
-
 struct DepthScene
 {
     std::string name;

@@ -8,8 +8,8 @@
 #include "engine/image/raster.h"
 #include "engine/post/post.h"
 #include "engine/stereo/eye.h"
+#include "tests/engine/stereo/hilly_depth.h"
 #include "tests/engine/stereo/naive_eye.h"
-#include "tests/engine/stereo/scenes.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
