@@ -11,7 +11,8 @@
 namespace zre {
 
 /// Loads the first image of a FITS file: 8, 16, 32, 64-bit integer, float or double, a plane or a
-/// cube of three (of any other cube the first plane), tile-compressed or not.
+/// cube of three (of any other cube the first plane), plain or tile-compressed by
+/// Rice or gzip.
 ///
 /// Rows:    FITS counts them from the bottom, so row 0 of `out` is the file's last, unless
 ///          `ROWORDER` says 'TOP-DOWN'; the solution follows the rows.

@@ -1,0 +1,227 @@
+#include "engine/fileio/fits_tiles.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include <zlib.h>
+
+#include "engine/fileio/failure.h"
+#include "engine/fileio/rice_stream.h"
+
+namespace zre::fileio {
+
+namespace {
+
+constexpr std::uint64_t kLargestSample = 8; // bytes
+constexpr int kDitherSeeds = 10000;         // what the standard allows in ZDITHER0
+
+/// What one tile's stream must decode to.
+struct Coding
+{
+    bool gzip = false;
+    int riceBlock = 32;
+    int riceBytes = 4;
+};
+
+template <int Type, class Value>
+std::optional<Value> key(fitsfile* fits, const std::string& name)
+{
+    Value value{};
+    int status = 0;
+    if (fits_read_key(fits, Type, name.c_str(), &value, nullptr, &status))
+        return std::nullopt;
+    return value;
+}
+
+std::string textKey(fitsfile* fits, const char* name)
+{
+    std::array<char, FLEN_VALUE> value{};
+    int status = 0;
+    fits_read_key(fits, TSTRING, name, value.data(), nullptr, &status);
+    return status ? std::string() : std::string(value.data());
+}
+
+bool readCoding(fitsfile* fits, Coding& coding, std::string* error)
+{
+    const std::string type = textKey(fits, "ZCMPTYPE");
+    coding.gzip = type == "GZIP_1" || type == "GZIP_2";
+    if (!coding.gzip && type != "RICE_1" && type != "RICE_ONE")
+        return fail(error, "unsupported FITS compression: " + type);
+    const int seed = key<TINT, int>(fits, "ZDITHER0").value_or(1);
+    if (seed < 1 || seed > kDitherSeeds)
+        return fail(error, "bad FITS tile coding.");
+    if (coding.gzip)
+        return true;
+    // cfitsio takes the two by their places, whatever they are called.
+    const std::string first = textKey(fits, "ZNAME1");
+    const std::string second = textKey(fits, "ZNAME2");
+    coding.riceBlock = key<TINT, int>(fits, "ZVAL1").value_or(32);
+    coding.riceBytes = key<TINT, int>(fits, "ZVAL2").value_or(4);
+    const bool named =
+        (first.empty() || first == "BLOCKSIZE") && (second.empty() || second == "BYTEPIX");
+    const bool known = coding.riceBytes == 1 || coding.riceBytes == 2 || coding.riceBytes == 4;
+    return (named && known && coding.riceBlock >= 1 && coding.riceBlock <= 65536) ||
+           fail(error, "bad FITS tile coding.");
+}
+
+/// True when `stream` is one gzip member that ends, with at most `limit` bytes in it.
+bool isWholeGzipStream(std::span<const std::uint8_t> stream, std::uint64_t limit)
+{
+    z_stream inflater{};
+    constexpr int gzipOnly = 15 + 16;
+    if (stream.size() > std::numeric_limits<uInt>::max() ||
+        inflateInit2(&inflater, gzipOnly) != Z_OK)
+        return false;
+    std::vector<std::uint8_t> sink(std::size_t{1} << 16);
+    inflater.next_in = const_cast<Bytef*>(stream.data());
+    inflater.avail_in = static_cast<uInt>(stream.size());
+    int result = Z_OK;
+    while (result == Z_OK && inflater.total_out <= limit) {
+        inflater.next_out = sink.data();
+        inflater.avail_out = static_cast<uInt>(sink.size());
+        result = inflate(&inflater, Z_NO_FLUSH);
+    }
+    inflateEnd(&inflater);
+    return result == Z_STREAM_END && inflater.total_out <= limit;
+}
+
+/// The grid of tiles over the image: how many samples each holds.
+class TileGrid
+{
+public:
+    TileGrid(fitsfile* fits, std::span<const LONGLONG> imageSides)
+        : sides(imageSides)
+    {
+        for (std::size_t axis = 0; axis < sides.size(); ++axis)
+            tile.push_back(key<TLONGLONG, LONGLONG>(fits, "ZTILE" + std::to_string(axis + 1))
+                               .value_or(axis == 0 ? sides[0] : 1));
+    }
+
+    bool isValid() const
+    {
+        for (std::size_t axis = 0; axis < sides.size(); ++axis)
+            if (tile[axis] < 1 || tile[axis] > sides[axis])
+                return false;
+        return true;
+    }
+    /// Below the image's own count, which fits.
+    LONGLONG count() const
+    {
+        LONGLONG tiles = 1;
+        for (std::size_t axis = 0; axis < sides.size(); ++axis)
+            tiles *= along(axis);
+        return tiles;
+    }
+    std::uint64_t samplesOf(LONGLONG index) const
+    {
+        std::uint64_t samples = 1;
+        for (std::size_t axis = 0; axis < sides.size(); ++axis) {
+            const LONGLONG start = index % along(axis) * tile[axis];
+            samples *= static_cast<std::uint64_t>(std::min(tile[axis], sides[axis] - start));
+            index /= along(axis);
+        }
+        return samples;
+    }
+
+private:
+    LONGLONG along(std::size_t axis) const { return (sides[axis] + tile[axis] - 1) / tile[axis]; }
+
+    std::span<const LONGLONG> sides;
+    std::vector<LONGLONG> tile;
+};
+
+/// The variable-length cells of one column, as bytes of the file.
+class HeapColumn
+{
+public:
+    HeapColumn(fitsfile* table, std::span<const std::uint8_t> wholeFile, const char* name)
+        : fits(table)
+        , file(wholeFile)
+    {
+        int status = 0;
+        int found = 0;
+        std::string title(name); // cfitsio takes it as not const
+        if (fits_get_colnum(fits, CASEINSEN, title.data(), &found, &status))
+            return;
+        LONGLONG dataStart = 0;
+        fits_get_hduaddrll(fits, nullptr, &dataStart, nullptr, &status);
+        const LONGLONG rowBytes = key<TLONGLONG, LONGLONG>(fits, "NAXIS1").value_or(0);
+        const LONGLONG rows = key<TLONGLONG, LONGLONG>(fits, "NAXIS2").value_or(0);
+        int type = 0;
+        fits_get_coltypell(fits, found, &type, nullptr, nullptr, &status);
+        if (status || type >= 0 || rowBytes < 0 || rows < 0 ||
+            rowBytes > static_cast<LONGLONG>(file.size()) ||
+            rows > static_cast<LONGLONG>(file.size()))
+            return;
+        const LONGLONG heap = key<TLONGLONG, LONGLONG>(fits, "THEAP").value_or(rowBytes * rows);
+        elementBytes = type == -TBYTE ? 1 : type == -TSHORT ? 2 : type == -TDOUBLE ? 8 : 4;
+        heapStart = heap < 0 || heap > static_cast<LONGLONG>(file.size()) ? -1 : dataStart + heap;
+        column = found;
+    }
+
+    /// The cell of `row`, counted from 1; none when it lies outside the file, empty when the column
+    /// is absent.
+    std::optional<std::span<const std::uint8_t>> cell(LONGLONG row) const
+    {
+        if (column == 0)
+            return std::span<const std::uint8_t>();
+        LONGLONG length = 0;
+        LONGLONG offset = 0;
+        int status = 0;
+        const auto size = static_cast<LONGLONG>(file.size());
+        if (heapStart < 0 || fits_read_descriptll(fits, column, row, &length, &offset, &status) ||
+            length < 0 || offset < 0 || length > size || offset > size ||
+            heapStart + offset + length * elementBytes > size)
+            return std::nullopt;
+        return file.subspan(static_cast<std::size_t>(heapStart + offset),
+                            static_cast<std::size_t>(length * elementBytes));
+    }
+    int bytesOfElement() const { return elementBytes; }
+
+private:
+    fitsfile* fits;
+    std::span<const std::uint8_t> file;
+    int column = 0;
+    int elementBytes = 1;
+    LONGLONG heapStart = -1;
+};
+
+} // namespace
+
+bool checkTiles(fitsfile* fits, std::span<const std::uint8_t> file, std::span<const LONGLONG> sides,
+                std::string* error)
+{
+    Coding coding;
+    if (!readCoding(fits, coding, error))
+        return false;
+    const TileGrid grid(fits, sides);
+    if (!grid.isValid())
+        return fail(error, "bad FITS tile size.");
+    const HeapColumn coded(fits, file, "COMPRESSED_DATA");
+    const HeapColumn gzipped(fits, file, "GZIP_COMPRESSED_DATA");
+    const HeapColumn plain(fits, file, "UNCOMPRESSED_DATA");
+    const LONGLONG tiles = grid.count();
+    for (LONGLONG i = 0; i < tiles; ++i) {
+        const std::uint64_t samples = grid.samplesOf(i);
+        const std::uint64_t limit = samples * kLargestSample;
+        const auto main = coded.cell(i + 1);
+        const auto other = gzipped.cell(i + 1);
+        const auto raw = plain.cell(i + 1);
+        const bool sound =
+            main && other && raw &&
+            (main->empty() || (coding.gzip ? isWholeGzipStream(*main, limit)
+                                           : isWholeRiceStream(*main, samples, coding.riceBytes,
+                                                               coding.riceBlock))) &&
+            (other->empty() || isWholeGzipStream(*other, limit)) &&
+            raw->size() / static_cast<std::size_t>(plain.bytesOfElement()) <= samples;
+        if (!sound)
+            return fail(error, "a tile of the FITS image is damaged.");
+    }
+    return true;
+}
+
+} // namespace zre::fileio
