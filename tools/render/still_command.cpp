@@ -35,6 +35,28 @@ static void report(const QString& output, const OutputView& view, const zre::Ima
                                                                 {"status", status}});
 }
 
+struct Still
+{
+    zre::Image image;
+    bool hasSourceGeometry = false;
+    QString status;
+};
+
+/// Renders at full size and lets the source and every intermediate picture go: writing takes
+/// memory again.
+static Still renderStill(int view, Session& session, Console& console)
+{
+    RenderPipeline pipeline(session);
+    pipeline.setStageReporter([&](int percent, const QString& text) {
+        console.progress(percentWithin(percent, kWritePercent), text);
+    });
+    Still still;
+    pipeline.renderView(view, {}, still.image, &still.status);
+    still.hasSourceGeometry = still.image.sameSize(session.source);
+    session.source = zre::Image();
+    return still;
+}
+
 Outcome runStill(const Invocation& invocation, RunContext& context)
 {
     const QString output = invocation.value(Option::Output);
@@ -53,22 +75,16 @@ Outcome runStill(const Invocation& invocation, RunContext& context)
     if (!outcome.isDone())
         return outcome;
 
-    RenderPipeline pipeline(session);
-    pipeline.setStageReporter([&](int percent, const QString& text) {
-        context.console.progress(percentWithin(percent, kWritePercent), text);
-    });
-    zre::Image image;
-    QString status;
-    pipeline.renderView(view->id, {}, image, &status);
-
+    const Still still = renderStill(view->id, session, context.console);
     context.console.progress(kWritePercent, QStringLiteral("Writing..."));
-    const zre::Wcs* wcs = image.sameSize(session.source) ? &session.wcs : nullptr;
-    outcome = writeStaged(output, image, wcs, bits, context.outputs);
+    outcome = writeStaged(output, still.image, still.hasSourceGeometry ? &session.wcs : nullptr,
+                          bits, context.outputs);
     QString error;
     if (outcome.isDone() && !context.outputs.commit(&error))
         outcome = Outcome::failed(error);
     if (outcome.isDone())
-        report(output, *view, image, writtenBits(output, bits), status, session, context.console);
+        report(output, *view, still.image, writtenBits(output, bits), still.status, session,
+               context.console);
     return outcome;
 }
 
