@@ -72,7 +72,8 @@ int runCommandLine(const QStringList& arguments, Console& console, StagedOutputs
         outcome = runInvocation(std::get<Invocation>(parsed), context);
     }
     if (!outcome.isDone()) {
-        outputs.abandon();
+        if (!outputs.abandon())
+            return kInterrupted; // the failure is only that the outputs were taken away
         console.failed(outcome.code, outcome.message);
     }
     if (!console.flush() && outcome.isDone()) {

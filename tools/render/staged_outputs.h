@@ -32,11 +32,12 @@ public:
     std::optional<QString> stage(const QString& destination, QString* error);
 
     /// Moves every staged file into place. On failure no new file stays, and the message is in
-    /// `error`.
+    /// `error` (none after `abandon`).
     bool commit(QString* error);
 
-    /// Removes everything that was not committed, for good: nothing can be staged afterwards.
-    void abandon();
+    /// Removes everything that was not committed, for good: nothing can be staged or committed
+    /// afterwards. False when that had been done before.
+    bool abandon();
 
 private:
     using Path = std::filesystem::path;

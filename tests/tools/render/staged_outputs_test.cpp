@@ -69,8 +69,10 @@ TEST_F(Staging, AbandoningLeavesTheFoldersAsTheyWere)
         ASSERT_TRUE(outputs.makeFolder(at("a/b/"), nullptr));
         writeStaged(outputs, "old.txt", "new");
         writeStaged(outputs, "a/b/deep.txt", "deep");
-        outputs.abandon();
+        EXPECT_TRUE(outputs.abandon());
         EXPECT_FALSE(outputs.stage(at("late.txt"), nullptr));
+        EXPECT_FALSE(outputs.commit(nullptr)); // what is gone is not reported as written
+        EXPECT_FALSE(outputs.abandon());
     }
     EXPECT_THAT(listing(folder), ElementsAre("old.txt"));
     EXPECT_EQ(read(folder / "old.txt"), "old");
