@@ -7,6 +7,7 @@
 
 #include "engine/image/blur.h"
 #include "engine/image/multiversion.h"
+#include "engine/image/power.h"
 
 namespace zre {
 
@@ -47,8 +48,7 @@ void raiseDepth(Image& depth, float gamma)
 {
     if (!raises(gamma))
         return;
-    for (float& v : depth.data)
-        v = std::pow(v, gamma);
+    raiseToPower(depth.plane(0), depth.pixelCount(), static_cast<double>(gamma));
 }
 
 static constexpr std::size_t kLanes = 16;

@@ -21,7 +21,7 @@ void normaliseDepth(Image& depth);
 /// Whether `raiseDepth` with this exponent changes anything: it is finite, not negative and not 1.
 bool raises(float gamma);
 
-/// Raises every sample, which must not be negative, to the power `gamma`; nothing happens when
+/// Raises every sample, each in 0 to 1, to the power `gamma`; nothing happens when
 /// `raises` denies it.
 void raiseDepth(Image& depth, float gamma);
 

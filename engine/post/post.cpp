@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "engine/image/multiversion.h"
+#include "engine/image/power.h"
 
 namespace zre {
 
@@ -112,12 +113,6 @@ ZR_MULTIVERSION static void stretchLevels(const float* __restrict samples,
         values[i] = unit((samples[i] - black) * scale);
 }
 
-static void raiseMidtones(double* values, std::size_t size, double exponent)
-{
-    for (std::size_t i = 0; i < size; ++i)
-        values[i] = std::pow(values[i], exponent);
-}
-
 ZR_MULTIVERSION static void applyContrast(double* values, std::size_t size, const ToneCurve& tone)
 {
     const double brightness = tone.brightness;
@@ -130,8 +125,20 @@ static void applyTone(const float* samples, double* values, std::size_t size, co
 {
     stretchLevels(samples, values, size, tone);
     if (tone.invGamma != 1.0)
-        raiseMidtones(values, size, tone.invGamma);
+        raiseToPower(values, size, tone.invGamma);
     applyContrast(values, size, tone);
+}
+
+static inline double greatest(double r, double g, double b)
+{
+    const double ofTwo = r > g ? r : g;
+    return ofTwo > b ? ofTwo : b;
+}
+
+static inline double least(double r, double g, double b)
+{
+    const double ofTwo = r < g ? r : g;
+    return ofTwo < b ? ofTwo : b;
 }
 
 ZR_MULTIVERSION static void multiply(double* values, std::size_t size, double gain)
@@ -145,13 +152,11 @@ ZR_MULTIVERSION static void saturate(double* __restrict r, double* __restrict g,
                                      double vibrance)
 {
     for (std::size_t i = 0; i < size; ++i) {
-        const double redGreenMax = r[i] > g[i] ? r[i] : g[i];
-        const double redGreenMin = r[i] < g[i] ? r[i] : g[i];
-        const double mx = redGreenMax > b[i] ? redGreenMax : b[i];
-        const double mn = redGreenMin < b[i] ? redGreenMin : b[i];
+        const double mx = greatest(r[i], g[i], b[i]);
+        const double chroma = mx - least(r[i], g[i], b[i]);
         const double luma = 0.2126 * r[i] + 0.7152 * g[i] + 0.0722 * b[i];
         const double divisor = mx > 1e-9 ? mx : 1.0;
-        const double paleness = mx > 1e-9 ? 1.0 - (mx - mn) / divisor : 1.0;
+        const double paleness = mx > 1e-9 ? 1.0 - chroma / divisor : 1.0;
         const double factor = (1.0 + vibrance * paleness) * saturationGain;
         r[i] = unit(luma + (r[i] - luma) * factor);
         g[i] = unit(luma + (g[i] - luma) * factor);
@@ -159,54 +164,45 @@ ZR_MULTIVERSION static void saturate(double* __restrict r, double* __restrict g,
     }
 }
 
-/// Hue in full circles, 0 for grey; `mx` and `mn` are the extremes of the three.
-static double hueOf(double r, double g, double b, double mx, double mn)
+/// Hue in full circles, 0 for grey; `mx` and `chroma` are the greatest of the three and what lies
+/// between the extremes. The choices are products with 0 and 1, which stay vectors.
+static inline double hueOf(double r, double g, double b, double mx, double chroma)
 {
-    const double chroma = mx - mn;
-    if (chroma < 1e-9)
-        return 0.0;
-    double sextant = 0.0;
-    if (mx == r)
-        sextant = (g - b) / chroma + (b > g ? 6.0 : 0.0);
-    else if (mx == g)
-        sextant = (b - r) / chroma + 2.0;
-    else
-        sextant = (r - g) / chroma + 4.0;
-    return sextant / 6.0;
+    const double isRed = mx == r ? 1.0 : 0.0;
+    const double isGreen = (mx == g ? 1.0 : 0.0) * (1.0 - isRed);
+    const double isBlue = 1.0 - isRed - isGreen;
+    const double isGrey = chroma < 1e-9 ? 1.0 : 0.0;
+    const double isPurple = b > g ? 1.0 : 0.0;
+    const double difference = isRed * (g - b) + isGreen * (b - r) + isBlue * (r - g);
+    const double start = isRed * isPurple * 6.0 + isGreen * 2.0 + isBlue * 4.0;
+    return (1.0 - isGrey) * (difference / (chroma + isGrey) + start) / 6.0;
 }
 
-static void rotateHue(double& r, double& g, double& b, double turns)
+/// The channel that is full at `sextant` of the hue circle and empty opposite: the six sectors of
+/// the conversion from HSV in one trapezoid.
+static inline double channelOf(double sextant, double mx, double saturation)
 {
-    const double mx = std::max({r, g, b});
-    const double mn = std::min({r, g, b});
-    const double saturation = mx > 1e-9 ? (mx - mn) / mx : 0.0;
-    double hue = hueOf(r, g, b, mx, mn) + turns;
-    hue -= std::floor(hue);
-    const double position = hue * 6.0;
-    const double sector = std::floor(position);
-    const double f = position - sector;
-    const double low = mx * (1.0 - saturation);
-    const double falling = mx * (1.0 - saturation * f);
-    const double rising = mx * (1.0 - saturation * (1.0 - f));
-    switch (static_cast<int>(sector) % 6) {
-    case 0:
-        r = mx, g = rising, b = low;
-        break;
-    case 1:
-        r = falling, g = mx, b = low;
-        break;
-    case 2:
-        r = low, g = mx, b = rising;
-        break;
-    case 3:
-        r = low, g = falling, b = mx;
-        break;
-    case 4:
-        r = rising, g = low, b = mx;
-        break;
-    default:
-        r = mx, g = low, b = falling;
-        break;
+    const double wrapped = sextant >= 6.0 ? sextant - 6.0 : sextant;
+    const double falling = 4.0 - wrapped;
+    return mx - mx * saturation * unit(wrapped < falling ? wrapped : falling);
+}
+
+ZR_MULTIVERSION static void rotateHue(double* __restrict red, double* __restrict green,
+                                      double* __restrict blue, std::size_t size, double turns)
+{
+    for (std::size_t i = 0; i < size; ++i) {
+        const double r = red[i];
+        const double g = green[i];
+        const double b = blue[i];
+        const double mx = greatest(r, g, b);
+        const double chroma = mx - least(r, g, b);
+        const double divisor = mx > 1e-9 ? mx : 1.0;
+        const double saturation = mx > 1e-9 ? chroma / divisor : 0.0;
+        const double hue = hueOf(r, g, b, mx, chroma) + turns;
+        const double sextant = (hue - std::floor(hue)) * 6.0;
+        red[i] = channelOf(sextant + 5.0, mx, saturation);
+        green[i] = channelOf(sextant + 3.0, mx, saturation);
+        blue[i] = channelOf(sextant + 1.0, mx, saturation);
     }
 }
 
@@ -243,8 +239,7 @@ static void gradeStrip(const Grade& grade, float* red, float* green, float* blue
     if (grade.saturates)
         saturate(r.data(), g.data(), b.data(), size, grade.saturationGain, grade.vibrance);
     if (grade.rotates)
-        for (std::size_t i = 0; i < size; ++i)
-            rotateHue(r[i], g[i], b[i], grade.turns);
+        rotateHue(r.data(), g.data(), b.data(), size, grade.turns);
     storeUnit(r.data(), red, size);
     storeUnit(g.data(), green, size);
     storeUnit(b.data(), blue, size);

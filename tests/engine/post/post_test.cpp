@@ -168,6 +168,21 @@ TEST(Post, NoSaturationIsTheLuminanceOfEachPixel)
                         2e-7);
 }
 
+TEST(Post, AWholeImageAndSinglePixelsGiveTheSameBits)
+{
+    const ZRParams p = with([](ZRParams& q) {
+        q.postGamma = 1.3f, q.postContrast = 0.2f, q.postTemperature = 0.4f;
+        q.postSaturation = 0.3f, q.postVibrance = 0.2f, q.postHue = 50;
+    });
+    const Image before = zrtest::noise(523, 1, 1, 11);
+    Image whole = before;
+    zre::applyPost(whole, p);
+    for (std::size_t i = 0; i < before.pixelCount(); ++i) {
+        const Rgb pixel = graded({before.plane(0)[i], before.plane(1)[i], before.plane(2)[i]}, p);
+        ASSERT_EQ(pixel, (Rgb{whole.plane(0)[i], whole.plane(1)[i], whole.plane(2)[i]})) << i;
+    }
+}
+
 TEST(Post, AOneChannelImageGetsTheToneAlone)
 {
     const Image before = zrtest::noise(777, 2, 0, 8);
