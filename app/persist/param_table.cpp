@@ -61,18 +61,20 @@ std::vector<ParamInfo> parameterList()
     return list;
 }
 
-/// Levenshtein's distance: the insertions, deletions and replacements between two words.
+/// Levenshtein's distance, blind to case: the insertions, deletions and replacements between two
+/// words.
 static int editDistance(const QString& a, const QString& b)
 {
     std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (qsizetype i = 0; i < a.size(); ++i) {
+    for (const QChar letter : a) {
         int diagonal = row[0]++;
-        for (qsizetype j = 0; j < b.size(); ++j) {
-            const auto at = static_cast<std::size_t>(j);
-            const int replaced = diagonal + (a[i].toLower() == b[j].toLower() ? 0 : 1);
-            diagonal = row[at + 1];
-            row[at + 1] = std::min({replaced, row[at] + 1, row[at + 1] + 1});
+        std::size_t at = 1;
+        for (const QChar other : b) {
+            const int replaced = diagonal + (letter.toLower() == other.toLower() ? 0 : 1);
+            diagonal = row[at];
+            row[at] = std::min({replaced, row[at - 1] + 1, diagonal + 1});
+            ++at;
         }
     }
     return row.back();
@@ -100,11 +102,11 @@ static bool fail(QString* error, const QString& text)
     return false;
 }
 
-/// "0 to 1", or what a value has to be when nothing bounds it.
+/// What a value has to be: "a whole number from 0 to 3".
 static QString rangeText(const ParamKey& row, const QString& kind)
 {
     const std::optional<ParamLimits> limits = limitsOf(row);
-    const QString number = kind == "int" ? "a whole number" : "a number";
+    QString number = kind == "int" ? "a whole number" : "a number";
     if (!limits)
         return number;
     return QString("%1 from %2 to %3")
