@@ -34,8 +34,8 @@ QString aboutText()
     return QString("<h3>Zerrith Studio %1</h3>"
                    "<p>Turns one deep-sky photograph into a three-dimensional picture.</p>"
                    "<p>Corvelle Works. Free software under the MIT licence.</p>"
-                   "<p>Built on Qt %2 (LGPL 3), CFITSIO (NASA), libtiff, zlib, LZ4 and Zstandard "
-                   "(BSD), Expat (MIT).</p>")
+                   "<p>Built on Qt %2 (LGPL 3), CFITSIO and libtiff (their own free licences), "
+                   "zlib (zlib licence), LZ4 and Zstandard (BSD), Expat (MIT).</p>")
         .arg(QCoreApplication::applicationVersion(), qVersion());
 }
 

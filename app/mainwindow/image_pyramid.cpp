@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-ImagePyramid::ImagePyramid(const QImage& picture)
+ImagePyramid::ImagePyramid(QImage picture)
 {
     if (!picture.isNull())
-        m_levels.push_back(picture.convertToFormat(QImage::Format_RGB32));
+        m_levels.push_back(std::move(picture).convertToFormat(QImage::Format_RGB32));
 }
 
 int ImagePyramid::levelFor(double scale) const

@@ -10,7 +10,7 @@ class ImagePyramid
 {
 public:
     ImagePyramid() = default;
-    explicit ImagePyramid(const QImage& picture);
+    explicit ImagePyramid(QImage picture);
 
     bool isNull() const { return m_levels.empty(); }
     QSize size() const { return isNull() ? QSize() : m_levels.front().size(); }

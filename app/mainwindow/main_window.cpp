@@ -32,7 +32,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     : m_prompter(prompter ? std::move(prompter) : std::make_unique<DesktopPrompter>(this))
     , m_stages(*statusBar(), *this)
     , m_preview(new PreviewView(this))
-    , m_render(*this, [this](const QImage& picture) { m_preview->setPreview(picture); })
+    , m_render(*this, [this](QImage picture) { m_preview->setPreview(std::move(picture)); })
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
 {
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //

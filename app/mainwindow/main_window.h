@@ -43,10 +43,9 @@ public:
     void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
     int currentOutputMode() const { return m_session.outputMode; }
     bool renderCurrentViewFullRes(zre::Image& out);
-    void updatePreview() { m_render.updatePreview(); }
 
     bool busyRun(const std::function<void()>& work) override;
-    void renderNow() override { m_render.renderNow(); }
+    void renderNow() { m_render.renderNow(); }
     void stageStatus(int percent, const QString& text) override { m_stages.stage(percent, text); }
 
 protected:

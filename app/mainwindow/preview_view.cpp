@@ -1,6 +1,7 @@
 #include "app/mainwindow/preview_view.h"
 
 #include <cmath>
+#include <utility>
 
 #include <QDragEnterEvent>
 #include <QMimeData>
@@ -32,13 +33,15 @@ PreviewView::PreviewView(QWidget* parent)
     setLayout(new QVBoxLayout);
 }
 
-void PreviewView::setPreview(const QImage& picture)
+void PreviewView::setPreview(QImage picture)
 {
-    m_pyramid = ImagePyramid(picture);
+    m_pyramid = ImagePyramid(std::move(picture));
     syncViewSize();
-    m_transform.setImageSize(picture.size());
-    if (m_emptyState)
+    m_transform.setImageSize(m_pyramid.size());
+    if (m_emptyState && m_emptyState->isVisibleTo(this) != m_pyramid.isNull()) {
         m_emptyState->setVisible(m_pyramid.isNull());
+        setFocus();
+    }
     setCursor(m_pyramid.isNull() ? Qt::ArrowCursor : Qt::OpenHandCursor);
     transformChanged();
 }
@@ -100,8 +103,16 @@ void PreviewView::paintEvent(QPaintEvent*)
     }
 }
 
-// Works in device pixels, and draws only the whole pixels of the level that are in sight: at 32:1
-// the outline of a large picture lies beyond the coordinates that the raster engine can hold.
+/// The pixels of `rect`, which lies within `picture` (Format_RGB32), without a copy of them.
+static QImage partOf(const QImage& picture, const QRect& rect)
+{
+    const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(rect.top()));
+    return {reinterpret_cast<const uchar*>(row + rect.left()), rect.width(), rect.height(),
+            picture.bytesPerLine(), QImage::Format_RGB32};
+}
+
+// Works in device pixels, and draws from a part of the level that holds just what is in sight: the
+// raster engine counts in 16 bits before the point, which a wide or magnified picture overflows.
 void PreviewView::paintPicture(QPainter& painter)
 {
     syncViewSize(); // the window may have come to a screen of another density
@@ -122,10 +133,10 @@ void PreviewView::paintPicture(QPainter& painter)
                              .toAlignedRect()
                              .adjusted(-1, -1, 1, 1)
                              .intersected(picture.rect());
-    painter.translate(origin);
+    painter.translate(origin + QPointF(source.topLeft()) * levelScale);
     painter.scale(levelScale, levelScale);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale <= kSmoothUpTo);
-    painter.drawImage(source.topLeft(), picture, source);
+    painter.drawImage(QPoint(0, 0), partOf(picture, source));
     painter.restore();
 }
 

@@ -16,7 +16,7 @@ public:
     explicit PreviewView(QWidget* parent = nullptr);
 
     /// Shows `picture`; what part of it is seen stays as it was.
-    void setPreview(const QImage& picture);
+    void setPreview(QImage picture);
     /// What fills the view until a picture comes; the view takes ownership.
     void setEmptyState(QWidget* widget);
 

@@ -7,7 +7,8 @@
 QString DesktopPrompter::openFile(const QString& title, const QString& startAt,
                                   const QString& filter)
 {
-    return QFileDialog::getOpenFileName(m_parent, title, startAt, filter);
+    return QFileDialog::getOpenFileName(m_parent, title, startAt, filter, nullptr,
+                                        QFileDialog::HideNameFilterDetails);
 }
 
 QString DesktopPrompter::saveFile(const QString& title, const QString& startAt,
@@ -19,8 +20,10 @@ QString DesktopPrompter::saveFile(const QString& title, const QString& startAt,
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(QFileInfo(startAt).suffix());
     QObject::connect(&dialog, &QFileDialog::filterSelected, [&dialog](const QString& chosen) {
-        const int star = static_cast<int>(chosen.indexOf("*."));
-        dialog.setDefaultSuffix(chosen.mid(star + 2).section(')', 0, 0).section(' ', 0, 0));
+        const QString suffix = chosen.section("*.", 1).section(')', 0, 0).section(' ', 0, 0);
+        dialog.setDefaultSuffix(suffix);
+        const QString name = QFileInfo(dialog.selectedFiles().value(0)).completeBaseName();
+        dialog.selectFile(name + "." + suffix);
     });
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }

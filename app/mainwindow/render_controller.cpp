@@ -1,10 +1,13 @@
 #include "app/mainwindow/render_controller.h"
 
+#include <new>
+#include <utility>
+
 #include "app/mainwindow/shell_host.h"
 #include "app/session/render_pipeline.h"
 #include "engine/qt/zre_qt.h"
 
-RenderController::RenderController(ShellHost& host, std::function<void(const QImage&)> show)
+RenderController::RenderController(ShellHost& host, std::function<void(QImage)> show)
     : m_host(host)
     , m_show(std::move(show))
 {
@@ -30,7 +33,11 @@ void RenderController::updatePreview()
     QString status;
     if (!m_host.pipeline().renderView(m_host.session().outputMode, {}, picture, &status))
         return;
-    m_show(zre_qt::toQImage(picture));
+    QImage shown = zre_qt::toQImage(picture);
+    if (shown.isNull())
+        throw std::bad_alloc(); // the toolkit's way of saying so is a null picture
+    picture = zre::Image();     // what follows copies pixels again
+    m_show(std::move(shown));
     m_host.showStatus(status);
 }
 

@@ -13,7 +13,7 @@ class RenderController
 {
 public:
     /// `show` puts a picture before the user.
-    RenderController(ShellHost& host, std::function<void(const QImage&)> show);
+    RenderController(ShellHost& host, std::function<void(QImage)> show);
 
     /// Another output view was chosen.
     void onOutputModeChanged(int view);
@@ -27,5 +27,5 @@ public:
 
 private:
     ShellHost& m_host;
-    std::function<void(const QImage&)> m_show;
+    std::function<void(QImage)> m_show;
 };

@@ -28,8 +28,6 @@ public:
     virtual void installProgress(const QString& title, const QString& text) = 0;
     virtual void removeProgress() = 0;
 
-    /// Brings the preview up to date with the session.
-    virtual void renderNow() = 0;
     /// Another image stands in the session: shows the whole of it and enables what needs one.
     virtual void documentReplaced() = 0;
 

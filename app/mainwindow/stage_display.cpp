@@ -49,6 +49,8 @@ StageDisplay::~StageDisplay() = default;
 
 void StageDisplay::show(const QString& text)
 {
+    if (text == m_text->text())
+        return;
     m_text->setText(text);
     m_text->setToolTip(text);
     m_text->repaint();

@@ -43,6 +43,14 @@ StillController::StillController(ShellHost& host, Render render)
 {
 }
 
+QString StillController::startFolder() const
+{
+    if (!m_folder.isEmpty())
+        return m_folder;
+    const QString source = m_host.session().sourcePath;
+    return source.isEmpty() ? QDir::homePath() : QFileInfo(source).absolutePath();
+}
+
 void StillController::saveImage()
 {
     const Session& session = m_host.session();
@@ -51,10 +59,8 @@ void StillController::saveImage()
         return;
     }
     const QString word = currentView(session).dialogName;
-    const QString folder =
-        m_folder.isEmpty() ? QFileInfo(session.sourcePath).absolutePath() : m_folder;
     const QString path = m_host.prompter().saveFile(
-        "Export " + word, QDir(folder).filePath(suggestedStillName(session)), kStillFilters);
+        "Export " + word, QDir(startFolder()).filePath(suggestedStillName(session)), kStillFilters);
     if (path.isEmpty())
         return;
     m_folder = QFileInfo(path).absolutePath();

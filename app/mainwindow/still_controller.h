@@ -23,6 +23,8 @@ public:
     void saveImage();
 
 private:
+    QString startFolder() const;
+
     ShellHost& m_host;
     Render m_render;
     QString m_folder; ///< last written to; before that, the source's own

@@ -26,7 +26,6 @@ public:
     void stageStatus(int, const QString& text) override { statuses << text; }
     void installProgress(const QString&, const QString& text) override { statuses << text; }
     void removeProgress() override {}
-    void renderNow() override {}
     void documentReplaced() override { ++replaced; }
 
 private:
