@@ -48,11 +48,10 @@ QImage halved(const QImage& picture)
             reinterpret_cast<const QRgb*>(picture.constScanLine(std::min(2 * y + 1, height - 1)));
         auto* out = reinterpret_cast<QRgb*>(half.scanLine(y));
         const int pairs = width / 2;
-        for (int x = 0; x < pairs; ++x)
-            out[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
+        for (int x = 0; x < pairs; ++x, upper += 2, lower += 2)
+            out[x] = mean(upper[0], upper[1], lower[0], lower[1]);
         if (width % 2 != 0)
-            out[pairs] =
-                mean(upper[width - 1], upper[width - 1], lower[width - 1], lower[width - 1]);
+            out[pairs] = mean(upper[0], upper[0], lower[0], lower[0]);
     }
     return half;
 }
