@@ -5,8 +5,10 @@ usage: budgets.py SOURCE_ROOT
 """
 
 import pathlib
+import re
 import sys
 
+TYPE = re.compile(r"(template\b.*)?(class|struct|union|enum)\b")
 FILE_LINES = 800
 FUNCTION_LINES = 100
 NAMED_FILES = {"app/mainwindow/main_window.h": 350, "app/mainwindow/main_window.cpp": 700}
@@ -16,13 +18,15 @@ TABLES = {}
 
 def functions(lines):
     """Yields (first line number, length) of each body whose braces stand alone in column 0, as the layout has them."""
-    start = None
+    start, head = None, ""
     for number, line in enumerate(lines, 1):
         if line == "{":
-            start = number
+            start = None if TYPE.match(head) else number
         elif line in ("}", "};") and start:
             yield start, number - start + 1
             start = None
+        if line and not line.startswith((" ", "{", "}", "/")):
+            head = line
 
 
 def main():

@@ -61,6 +61,8 @@ class Budgets(Tree):
         self.assertEqual(run("budgets.py", self.root).returncode, 0)
         self.write("engine/a.cpp", "void f()\n{\n" + body * 99 + "}\n")
         self.assertEqual(run("budgets.py", self.root).returncode, 1)
+        self.write("engine/a.cpp", "void g()\n{\n}\n\nclass A\n{\n" + body * 99 + "};\n")
+        self.assertEqual(run("budgets.py", self.root).returncode, 0, "the body of a class is no function")
         self.write("engine/a.cpp", ("void f()\n{\n" + body + "}\n") * 201)
         self.assertEqual(run("budgets.py", self.root).returncode, 1)
 
