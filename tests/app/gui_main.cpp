@@ -1,14 +1,15 @@
 #include <clocale>
 
 #include <QApplication>
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
+
+#include "tests/app/private_settings.h"
 
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QStandardPaths::setTestModeEnabled(true);
+    const PrivateSettings settings;
     QApplication app(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     testing::InitGoogleTest(&argc, argv);
