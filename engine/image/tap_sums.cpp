@@ -12,21 +12,20 @@ namespace zre {
 using Lanes __attribute__((vector_size(32))) = float;
 static constexpr std::size_t kLanes = 8;
 
-#define ZR_INLINE static inline __attribute__((always_inline))
-
-ZR_INLINE void load(Lanes& lanes, const float* from)
+ZR_KERNEL_STEP void load(Lanes& lanes, const float* from)
 {
     std::memcpy(&lanes, from, sizeof lanes);
 }
 
-ZR_INLINE void store(float* to, const Lanes& lanes)
+ZR_KERNEL_STEP void store(float* to, const Lanes& lanes)
 {
     std::memcpy(to, &lanes, sizeof lanes);
 }
 
 /// Sums the taps of `Vectors` vectors of neighbouring samples, all of them in registers.
 template <int Vectors>
-ZR_INLINE void sumRowBlock(const float* samples, const float* weights, std::size_t taps, float* out)
+ZR_KERNEL_STEP void sumRowBlock(const float* samples, const float* weights, std::size_t taps,
+                                float* out)
 {
     Lanes sums[Vectors] = {};
     for (std::size_t t = 0; t < taps; ++t) {
@@ -68,8 +67,8 @@ struct ColumnSums
 };
 
 /// Adds a row to every line of the block; the row is tap `t - j` of line j.
-ZR_INLINE void addToAllLines(ColumnSums& sums, const float* row, const float* weights,
-                             std::size_t t)
+ZR_KERNEL_STEP void addToAllLines(ColumnSums& sums, const float* row, const float* weights,
+                                  std::size_t t)
 {
     Lanes left;
     Lanes right;
@@ -85,8 +84,8 @@ ZR_INLINE void addToAllLines(ColumnSums& sums, const float* row, const float* we
 
 /// As `addToAllLines` at the ends, where the row is a tap of some lines only. A weight of 0 would
 /// not do for the others: it would bring a NaN of the row into their sums.
-ZR_INLINE void addToTouchedLines(ColumnSums& sums, const float* row, const float* weights,
-                                 std::size_t taps, std::size_t t)
+ZR_KERNEL_STEP void addToTouchedLines(ColumnSums& sums, const float* row, const float* weights,
+                                      std::size_t taps, std::size_t t)
 {
     Lanes left;
     Lanes right;
@@ -101,8 +100,8 @@ ZR_INLINE void addToTouchedLines(ColumnSums& sums, const float* row, const float
         }
 }
 
-ZR_INLINE void sumColumnBlock(const float* const* rows, const float* weights, std::size_t taps,
-                              std::size_t x, ColumnSums& sums)
+ZR_KERNEL_STEP void sumColumnBlock(const float* const* rows, const float* weights, std::size_t taps,
+                                   std::size_t x, ColumnSums& sums)
 {
     constexpr std::size_t kFirstFull = kLinesTogether - 1;
     for (std::size_t t = 0; t < kFirstFull; ++t)

@@ -8,6 +8,7 @@
 
 #include "engine/image/raster.h"
 #include "tests/engine/image/naive.h"
+#include "tests/engine/image/plain_lightness.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
@@ -111,6 +112,21 @@ TEST(Lightness, OfOddSamplesFollowsTheDefinition)
             EXPECT_NEAR(static_cast<double>(dst.data[i]), expected, kTolerance)
                 << r << " " << g << " " << b;
     }
+}
+
+TEST(Lightness, HasTheSameBitsOnEveryProcessor)
+{
+    Image src(static_cast<int>(greySweep().size()), 1, 0);
+    src.data = greySweep();
+    Image dst;
+    zre::getLightness(src, dst);
+    EXPECT_EQ(dst.data, plainLightness(src.data, src.width, 1));
+
+    Image colours = zrtest::noise(1023, 77, 1, 33);
+    for (float& v : colours.data)
+        v = 1.4f * v - 0.07f;
+    zre::getLightness(colours, dst);
+    EXPECT_EQ(dst.data, plainLightness(colours.data, colours.width, colours.height));
 }
 
 TEST(Lightness, OfAPixelDoesNotDependOnItsNeighbours)
