@@ -34,7 +34,7 @@ struct Bench
     int width = benchWidth();
     int height = benchHeight();
     Image src = picture(1);
-    Image depth = zrtest::hillyDepth(width, height, 0.01, 2);
+    Image depth = zrtest::hillyDepth(width, height, 0.005, 2);
     Image out = src;
     Image outDepth = Image(width, height, 0);
 

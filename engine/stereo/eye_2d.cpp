@@ -1,5 +1,7 @@
-#include <limits>
+#include <bit>
+#include <cstdint>
 
+#include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
 #include "engine/stereo/gather.h"
 #include "engine/stereo/hole_fill.h"
@@ -7,16 +9,58 @@
 
 namespace zre {
 
-/// The most rows by which `warp` moves a pixel up or down, splats included.
-static int rowReach(const Warp& warp, const Image& depth)
+namespace {
+
+struct BitRange
 {
-    float low = static_cast<float>(warp.convergence);
-    float high = low;
-    for (const float value : depth.data) {
-        const float d = finiteDepth(warp, value);
-        low = d < low ? d : low;
-        high = d > high ? d : high;
+    std::int32_t low;
+    std::int32_t high;
+};
+
+/// A number that orders as the float of these bits does, and turns back by the same step.
+inline std::int32_t ordered(std::int32_t bits)
+{
+    return bits ^ ((bits >> 31) & 0x7fffffff);
+}
+
+/// The extremes of `values` in `ordered` form; a NaN lies beyond infinity on its sign's side.
+ZR_MULTIVERSION BitRange orderedRange(const float* values, std::size_t size)
+{
+    BitRange range{ordered(std::bit_cast<std::int32_t>(values[0])), 0};
+    range.high = range.low;
+    for (std::size_t i = 0; i < size; ++i) {
+        const std::int32_t v = ordered(std::bit_cast<std::int32_t>(values[i]));
+        range.low = v < range.low ? v : range.low;
+        range.high = v > range.high ? v : range.high;
     }
+    return range;
+}
+
+struct DepthRange
+{
+    double low;
+    double high;
+};
+
+DepthRange depthRange(const Warp& warp, const Image& depth)
+{
+    const BitRange range = orderedRange(depth.plane(0), depth.pixelCount());
+    float low = std::bit_cast<float>(ordered(range.low));
+    float high = std::bit_cast<float>(ordered(range.high));
+    if (std::isfinite(low) && std::isfinite(high))
+        return {low, high};
+    low = high = static_cast<float>(warp.convergence);
+    for (const float value : depth.data) {
+        low = std::min(low, finiteDepth(warp, value));
+        high = std::max(high, finiteDepth(warp, value));
+    }
+    return {low, high};
+}
+
+/// The most rows by which `warp` moves a pixel up or down, splats included.
+int rowReach(const Warp& warp, const Image& depth)
+{
+    const auto [low, high] = depthRange(warp, depth);
     const double before = std::max(high - warp.convergence, 0.0);
     const double behind = std::max(warp.convergence - low, 0.0);
     double most = std::fabs(warp.offsetY * 0.5 * warp.parallax) * std::max(before, behind);
@@ -31,12 +75,13 @@ static int rowReach(const Warp& warp, const Image& depth)
                : depth.height;
 }
 
+} // namespace
+
 void renderEye2D(const Image& src, const Image& depth, Image& out, double parallax,
                  double convergence, double offsetX, double offsetY, double maxDisparity,
                  double zoom, double centerX, double centerY, bool splat, Image* outDepth)
 {
-    if (!warpable(src, depth, out) ||
-        src.pixelCount() > std::size_t{std::numeric_limits<std::int32_t>::max()})
+    if (!warpable(src, depth, out))
         return;
     const Warp warp =
         settled({parallax, convergence, offsetX, offsetY, maxDisparity, zoom, centerX, centerY},
@@ -49,8 +94,9 @@ void renderEye2D(const Image& src, const Image& depth, Image& out, double parall
     Gather gather(warp, src, out, outDepth);
     HoleFill holes(warp, out, outDepth);
     const int height = src.height;
-    LandingBand band(src.width, static_cast<int>(std::min<std::int64_t>(
-                                    height, 2ll * reach + 2ll * holes.rowReach() + 1)));
+    LandingBand band(
+        src.width, height,
+        static_cast<int>(std::min<std::int64_t>(height, 2ll * reach + 2ll * holes.rowReach() + 1)));
 
     // Row by row: once source row `y` has landed, nothing more reaches the output row `reach` above
     // it; and the holes farther up are filled when all that their search can see is complete.

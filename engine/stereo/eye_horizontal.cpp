@@ -46,6 +46,16 @@ ZR_MULTIVERSION void aim(const Warp& callersWarp, const float* __restrict depth,
     }
 }
 
+void landPixels(const float* depth, Ints pixels, int* source, float* z)
+{
+    storeWhere(landFour(depth, z), pixels, source);
+}
+
+void landPixel(float depth, int pixel, int& source, float& z)
+{
+    storeWhere(landOne(depth, z), pixel, source);
+}
+
 /// The nearest pixel wins a cell, the first of equals. Nearly all blocks move as one.
 void land(const float* depth, const int* target, int width, int* source, float* z)
 {
@@ -53,15 +63,15 @@ void land(const float* depth, const int* target, int width, int* source, float* 
     for (; x + kBlock <= width; x += kBlock) {
         if (straight(target + x)) {
             const int cell = target[x];
-            landFour(depth + x, Ints{0, 1, 2, 3} + x, source + cell, z + cell);
-            landFour(depth + x + 4, Ints{4, 5, 6, 7} + x, source + cell + 4, z + cell + 4);
+            landPixels(depth + x, Ints{0, 1, 2, 3} + x, source + cell, z + cell);
+            landPixels(depth + x + 4, Ints{4, 5, 6, 7} + x, source + cell + 4, z + cell + 4);
         } else {
             for (int k = x; k < x + kBlock; ++k)
-                landOne(depth[k], k, source[target[k]], z[target[k]]);
+                landPixel(depth[k], k, source[target[k]], z[target[k]]);
         }
     }
     for (; x < width; ++x)
-        landOne(depth[x], x, source[target[x]], z[target[x]]);
+        landPixel(depth[x], x, source[target[x]], z[target[x]]);
 }
 
 int firstHole(const int* source, int from, int width)

@@ -5,7 +5,20 @@
 
 namespace zre {
 
+/// The pixels on a row of cells.
+struct Gather::Landed
+{
+    const std::int32_t* column;
+    const std::int32_t* row;
+    const float* z;
+};
+
 namespace {
+
+/// Which of its neighbours a cell samples beside the pixel that landed there.
+constexpr std::int32_t kLeft = 1;   ///< the column before, not the one behind
+constexpr std::int32_t kUp = 2;     ///< the row above, not the one below
+constexpr std::int32_t kBorder = 4; ///< none of these, or beyond the image
 
 struct SourcePoint
 {
@@ -30,45 +43,59 @@ inline SourcePoint sourcePoint(const Warp& warp, double x, double y, double sx, 
     return {uRaised > sx + 1.0 ? sx + 1.0 : uRaised, vRaised > sy + 1.0 ? sy + 1.0 : vRaised};
 }
 
-struct Run
+struct RowShape
 {
-    int x;
     int y;
-    int sx;
-    int sy;
-    int length;
+    int width;
+    int height;
 };
 
-/// Where each cell of a run samples. False when one lies a whole pixel beyond its own, which the
-/// two columns and rows told apart here do not hold.
-ZR_MULTIVERSION bool placeRun(const Warp& callersWarp, const Run& callersRun,
-                              const float* __restrict z, double* __restrict fu,
-                              double* __restrict fv, std::int32_t* __restrict left,
-                              std::int32_t* __restrict up)
+inline void placeCells(const Warp warp, const RowShape shape, const std::int32_t* __restrict column,
+                       const std::int32_t* __restrict row, const float* __restrict z,
+                       double* __restrict fu, double* __restrict fv, std::int32_t* __restrict side)
 {
-    const Warp warp = callersWarp;
-    const Run run = callersRun;
-    const double sy = run.sy;
-    const double y = run.y;
-    std::int32_t beyond = 0;
-    for (int k = 0; k < run.length; ++k) {
-        const double sx = run.sx + k;
-        const SourcePoint at = sourcePoint(warp, run.x + k, y, sx, sy, z[k]);
-        const bool isLeft = at.u < sx;
-        const bool isUp = at.v < sy;
-        fu[k] = at.u - (isLeft ? sx - 1.0 : sx);
-        fv[k] = at.v - (isUp ? sy - 1.0 : sy);
-        left[k] = isLeft;
-        up[k] = isUp;
-        beyond |= (at.u >= sx + 1.0) | (at.v >= sy + 1.0);
+    const double y = shape.y;
+    const int lastColumn = shape.width - 1;
+    const int lastRow = shape.height - 1;
+    for (int x = 0; x < shape.width; ++x) {
+        const double sx = column[x];
+        const double sy = row[x];
+        const SourcePoint at = sourcePoint(warp, x, y, sx, sy, z[x]);
+        const bool left = at.u < sx;
+        const bool up = at.v < sy;
+        fu[x] = at.u - (left ? sx - 1.0 : sx);
+        fv[x] = at.v - (up ? sy - 1.0 : sy);
+        const bool border = (column[x] < 1) | (column[x] >= lastColumn) | (row[x] < 1) |
+                            (row[x] >= lastRow) | (at.u >= sx + 1.0) | (at.v >= sy + 1.0);
+        side[x] = (left ? kLeft : 0) | (up ? kUp : 0) | (border ? kBorder : 0);
     }
-    return beyond == 0;
+}
+
+ZR_MULTIVERSION void placeRow(const Warp& warp, const RowShape& shape,
+                              const std::int32_t* __restrict column,
+                              const std::int32_t* __restrict row, const float* __restrict z,
+                              double* __restrict fu, double* __restrict fv,
+                              std::int32_t* __restrict side)
+{
+    placeCells(warp, shape, column, row, z, fu, fv, side);
+}
+
+/// The same for a warp that only shifts.
+ZR_MULTIVERSION void placeShiftedRow(const Warp& callersWarp, const RowShape& shape,
+                                     const std::int32_t* __restrict column,
+                                     const std::int32_t* __restrict row, const float* __restrict z,
+                                     double* __restrict fu, double* __restrict fv,
+                                     std::int32_t* __restrict side)
+{
+    Warp warp = callersWarp;
+    warp.zoom = 0.0;
+    warp.maxDisparity = 0.0;
+    placeCells(warp, shape, column, row, z, fu, fv, side);
 }
 
 ZR_MULTIVERSION void sampleRun(const float* __restrict middle, std::ptrdiff_t stride, int length,
                                const double* __restrict fu, const double* __restrict fv,
-                               const std::int32_t* __restrict left,
-                               const std::int32_t* __restrict up, float* __restrict out)
+                               const std::int32_t* __restrict side, float* __restrict out)
 {
     const float* const above = middle - stride;
     const float* const below = middle + stride;
@@ -76,22 +103,39 @@ ZR_MULTIVERSION void sampleRun(const float* __restrict middle, std::ptrdiff_t st
         const float above0 = above[k - 1], above1 = above[k], above2 = above[k + 1];
         const float middle0 = middle[k - 1], middle1 = middle[k], middle2 = middle[k + 1];
         const float below0 = below[k - 1], below1 = below[k], below2 = below[k + 1];
-        const bool isUp = up[k] != 0;
-        const bool isLeft = left[k] != 0;
-        const float top0 = isUp ? above0 : middle0;
-        const float top1 = isUp ? above1 : middle1;
-        const float top2 = isUp ? above2 : middle2;
-        const float bottom0 = isUp ? middle0 : below0;
-        const float bottom1 = isUp ? middle1 : below1;
-        const float bottom2 = isUp ? middle2 : below2;
-        const double a = isLeft ? top0 : top1;
-        const double b = isLeft ? top1 : top2;
-        const double c = isLeft ? bottom0 : bottom1;
-        const double e = isLeft ? bottom1 : bottom2;
+        const bool left = (side[k] & kLeft) != 0;
+        const bool up = (side[k] & kUp) != 0;
+        const float top0 = up ? above0 : middle0;
+        const float top1 = up ? above1 : middle1;
+        const float top2 = up ? above2 : middle2;
+        const float bottom0 = up ? middle0 : below0;
+        const float bottom1 = up ? middle1 : below1;
+        const float bottom2 = up ? middle2 : below2;
+        const double a = left ? top0 : top1;
+        const double b = left ? top1 : top2;
+        const double c = left ? bottom0 : bottom1;
+        const double e = left ? bottom1 : bottom2;
         const double top = a + (b - a) * fu[k];
         const double bottom = c + (e - c) * fu[k];
         out[k] = static_cast<float>(top + (bottom - top) * fv[k]);
     }
+}
+
+inline float between(const float* first, std::size_t right, std::size_t down, double fu, double fv)
+{
+    const double a = first[0];
+    const double b = first[right];
+    const double c = first[down];
+    const double e = first[down + right];
+    const double top = a + (b - a) * fu;
+    const double bottom = c + (e - c) * fu;
+    return static_cast<float>(top + (bottom - top) * fv);
+}
+
+std::size_t indexOf(const Image& img, int x, int y)
+{
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(img.width) +
+           static_cast<std::size_t>(x);
 }
 
 } // namespace
@@ -101,96 +145,95 @@ Gather::Gather(const Warp& warp, const Image& src, Image& out, Image* outDepth)
     , m_src(src)
     , m_out(out)
     , m_outDepth(outDepth)
-    , m_fu(static_cast<std::size_t>(src.width))
-    , m_fv(static_cast<std::size_t>(src.width))
-    , m_left(static_cast<std::size_t>(src.width))
-    , m_up(static_cast<std::size_t>(src.width))
 {
+    const auto width = static_cast<std::size_t>(src.width);
+    m_places.fu.resize(width);
+    m_places.fv.resize(width);
+    m_places.side.resize(width);
 }
 
 void Gather::fillRow(const LandingBand& band, int y)
 {
-    const std::int32_t* const source = band.source(y);
-    const float* const z = band.z(y);
+    const Landed landed{band.column(y), band.row(y), band.z(y)};
+    (onlyShifts(m_warp) ? placeShiftedRow : placeRow)(
+        m_warp, {y, m_src.width, m_src.height}, landed.column, landed.row, landed.z,
+        m_places.fu.data(), m_places.fv.data(), m_places.side.data());
     for (int x = 0; x < m_src.width;) {
-        const int length = runLength(source, x);
-        if (length == 0 || !fillRun(source, z, x, y, length)) {
-            const int end = std::min(x + std::max(length, kBlock), m_src.width);
-            for (int k = x; k < end; ++k)
-                fillCell(source[k], z[k], k, y);
-            x = end;
-        } else {
+        const int length = runLength(landed, x);
+        if (length > 0) {
+            fillRun(landed, x, y, length);
             x += length;
+            continue;
         }
+        for (const int end = std::min(x + kBlock, m_src.width); x < end; ++x)
+            fillCell(landed, x, y);
     }
     if (!m_outDepth)
         return;
-    float* const depth =
-        m_outDepth->plane(0) + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_src.width);
+    float* const depth = m_outDepth->plane(0) + indexOf(m_src, 0, y);
     for (int x = 0; x < m_src.width; ++x)
-        depth[x] = source[x] == LandingBand::kHole ? -1.0f : z[x];
+        depth[x] = landed.column[x] == LandingBand::kHole ? -1.0f : landed.z[x];
 }
 
-/// How many cells from `x` on, by whole blocks, show neighbouring pixels.
-int Gather::runLength(const std::int32_t* source, int x) const
+/// How many cells from `x` on, by whole blocks, show neighbouring pixels away from the border.
+int Gather::runLength(const Landed& landed, int x) const
 {
     int length = 0;
-    while (x + length + kBlock <= m_src.width && straight(source + x + length) &&
-           source[x + length] == source[x] + length)
-        length += kBlock;
-    return source[x] == LandingBand::kHole ? 0 : length;
+    for (; x + length + kBlock <= m_src.width; length += kBlock) {
+        const int block = x + length;
+        const std::int32_t* const side = m_places.side.data() + block;
+        if (!straight(landed.column + block) || !level(landed.row + block) ||
+            landed.column[block] != landed.column[x] + length ||
+            landed.row[block] != landed.row[x] ||
+            anyBit((loadInts(side) | loadInts(side + 4)) & kBorder))
+            break;
+    }
+    return length;
 }
 
-/// Fills a run at once. False, with nothing done, when it touches the border of the source or one
-/// of its cells samples beyond the neighbourhood of its pixel.
-bool Gather::fillRun(const std::int32_t* source, const float* z, int x, int y, int length)
+void Gather::fillRun(const Landed& landed, int x, int y, int length)
 {
-    const int width = m_src.width;
-    const int sx = source[x] % width;
-    const int sy = source[x] / width;
-    if (sx < 1 || sx + length > width - 1 || sy < 1 || sy > m_src.height - 2)
-        return false;
-    if (!placeRun(m_warp, {x, y, sx, sy, length}, z + x, m_fu.data(), m_fv.data(), m_left.data(),
-                  m_up.data()))
-        return false;
-    const std::size_t cell =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+    const std::size_t source = indexOf(m_src, landed.column[x], landed.row[x]);
+    const std::size_t cell = indexOf(m_src, x, y);
     for (int c = 0; c < m_src.channels; ++c)
-        sampleRun(m_src.plane(c) + source[x], width, length, m_fu.data(), m_fv.data(),
-                  m_left.data(), m_up.data(), m_out.plane(c) + cell);
-    return true;
+        sampleRun(m_src.plane(c) + source, m_src.width, length, m_places.fu.data() + x,
+                  m_places.fv.data() + x, m_places.side.data() + x, m_out.plane(c) + cell);
 }
 
-void Gather::fillCell(std::int32_t source, float z, int x, int y)
+void Gather::fillCell(const Landed& landed, int x, int y)
 {
-    const int width = m_src.width;
-    const std::size_t cell =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
-    if (source == LandingBand::kHole) {
+    const auto i = static_cast<std::size_t>(x);
+    const std::size_t cell = indexOf(m_src, x, y);
+    const std::int32_t side = m_places.side[i];
+    if (landed.column[x] == LandingBand::kHole) {
         for (int c = 0; c < m_src.channels; ++c)
             m_out.plane(c)[cell] = 0.0f;
-        return;
+    } else if (side & kBorder) {
+        fillBorderCell(landed, x, y);
+    } else {
+        const int left = landed.column[x] - ((side & kLeft) ? 1 : 0);
+        const int upper = landed.row[x] - ((side & kUp) ? 1 : 0);
+        const std::size_t first = indexOf(m_src, left, upper);
+        for (int c = 0; c < m_src.channels; ++c)
+            m_out.plane(c)[cell] =
+                between(m_src.plane(c) + first, 1, static_cast<std::size_t>(m_src.width),
+                        m_places.fu[i], m_places.fv[i]);
     }
-    const SourcePoint at = sourcePoint(m_warp, x, y, source % width, source / width, z);
-    const double u = std::clamp(at.u, 0.0, width - 1.0);
+}
+
+/// A cell that samples at the border of the source, where the last column and row repeat.
+void Gather::fillBorderCell(const Landed& landed, int x, int y)
+{
+    const SourcePoint at = sourcePoint(m_warp, x, y, landed.column[x], landed.row[x], landed.z[x]);
+    const double u = std::clamp(at.u, 0.0, m_src.width - 1.0);
     const double v = std::clamp(at.v, 0.0, m_src.height - 1.0);
     const int column = static_cast<int>(u);
     const int row = static_cast<int>(v);
-    const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
-                              static_cast<std::size_t>(column);
-    // At the last column or row the neighbour repeats.
-    const std::size_t right = first + (column < width - 1 ? 1 : 0);
-    const std::size_t down = row < m_src.height - 1 ? static_cast<std::size_t>(width) : 0;
-    for (int c = 0; c < m_src.channels; ++c) {
-        const float* const plane = m_src.plane(c);
-        const double a = plane[first];
-        const double b = plane[right];
-        const double p = plane[first + down];
-        const double q = plane[right + down];
-        const double top = a + (b - a) * (u - column);
-        const double bottom = p + (q - p) * (u - column);
-        m_out.plane(c)[cell] = static_cast<float>(top + (bottom - top) * (v - row));
-    }
+    const std::size_t right = column < m_src.width - 1 ? 1 : 0;
+    const std::size_t down = row < m_src.height - 1 ? static_cast<std::size_t>(m_src.width) : 0;
+    for (int c = 0; c < m_src.channels; ++c)
+        m_out.plane(c)[indexOf(m_src, x, y)] =
+            between(m_src.plane(c) + indexOf(m_src, column, row), right, down, u - column, v - row);
 }
 
 } // namespace zre

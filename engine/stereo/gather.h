@@ -16,19 +16,27 @@ public:
 
     void fillRow(const LandingBand& band, int y);
 
+    /// Where the cells of a row sample, beside the pixels that landed there.
+    struct Places
+    {
+        std::vector<double> fu; ///< the place between two columns, and two rows
+        std::vector<double> fv;
+        std::vector<std::int32_t> side; ///< which two they are, as bits
+    };
+
 private:
-    int runLength(const std::int32_t* source, int x) const;
-    bool fillRun(const std::int32_t* source, const float* z, int x, int y, int length);
-    void fillCell(std::int32_t source, float z, int x, int y);
+    struct Landed;
+
+    int runLength(const Landed& landed, int x) const;
+    void fillRun(const Landed& landed, int x, int y, int length);
+    void fillCell(const Landed& landed, int x, int y);
+    void fillBorderCell(const Landed& landed, int x, int y);
 
     Warp m_warp;
     const Image& m_src;
     Image& m_out;
     Image* m_outDepth;
-    std::vector<double> m_fu; ///< where between the samples each cell of a run lies
-    std::vector<double> m_fv;
-    std::vector<std::int32_t> m_left; ///< set where the left of the two columns is the one before
-    std::vector<std::int32_t> m_up;
+    Places m_places;
 };
 
 } // namespace zre

@@ -44,7 +44,11 @@ HoleFill::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     if (!(m_offset > kNoOffset) && warp.zoom == 0.0)
         return;
     m_steps = searchSteps(warp, m_offset, out);
-    const double slope = warp.zoom != 0.0 ? 1.0 : std::fabs(warp.offsetY / m_offset);
+    if (m_offset > kNoOffset) {
+        m_directionX = warp.offsetX / m_offset;
+        m_directionY = warp.offsetY / m_offset;
+    }
+    const double slope = warp.zoom != 0.0 ? 1.0 : std::fabs(m_directionY);
     m_rowReach = static_cast<int>(std::ceil(m_steps * slope)) + 1;
 }
 
@@ -52,17 +56,17 @@ void HoleFill::fillRow(const LandingBand& band, int y)
 {
     if (m_steps == 0)
         return;
-    const std::int32_t* const source = band.source(y);
+    const std::int32_t* const column = band.column(y);
     int x = 0;
     for (; x + kBlock <= m_out.width; x += kBlock) {
-        if (!anyNegative(source + x))
+        if (!anyNegative(column + x))
             continue;
         for (int k = x; k < x + kBlock; ++k)
-            if (source[k] == LandingBand::kHole)
+            if (column[k] == LandingBand::kHole)
                 fill(band, k, y);
     }
     for (; x < m_out.width; ++x)
-        if (source[x] == LandingBand::kHole)
+        if (column[x] == LandingBand::kHole)
             fill(band, x, y);
 }
 
@@ -70,7 +74,7 @@ void HoleFill::fill(const LandingBand& band, int x, int y)
 {
     Winner winner;
     if (m_offset > kNoOffset)
-        search(band, x, y, m_warp.offsetX / m_offset, m_warp.offsetY / m_offset, winner);
+        search(band, x, y, m_directionX, m_directionY, winner);
     if (m_warp.zoom != 0.0) {
         const double outX = x - m_warp.centerX;
         const double outY = y - m_warp.centerY;
@@ -106,13 +110,13 @@ void HoleFill::search(const LandingBand& band, int x, int y, double vx, double v
 bool HoleFill::visit(const LandingBand& band, double fx, double fy, Winner& winner) const
 {
     // Not below zero, so that truncation rounds down.
-    const double column = fx + 0.5;
-    const double row = fy + 0.5;
-    if (!(column >= 0.0 && column < m_out.width && row >= 0.0 && row < m_out.height))
+    const double cellX = fx + 0.5;
+    const double cellY = fy + 0.5;
+    if (!(cellX >= 0.0 && cellX < m_out.width && cellY >= 0.0 && cellY < m_out.height))
         return false;
-    const int x = static_cast<int>(column);
-    const int y = static_cast<int>(row);
-    if (band.source(y)[x] == LandingBand::kHole)
+    const int x = static_cast<int>(cellX);
+    const int y = static_cast<int>(cellY);
+    if (band.column(y)[x] == LandingBand::kHole)
         return false;
     const float z = band.z(y)[x];
     if (!winner.found || z < winner.z)

@@ -28,6 +28,8 @@ private:
     Image& m_out;
     Image* m_outDepth;
     double m_offset; ///< length of the eye's offset
+    double m_directionX = 0.0;
+    double m_directionY = 0.0;
     int m_steps = 0; ///< of the search in each direction
     int m_rowReach = 0;
 };

@@ -17,35 +17,44 @@ class LandingBand
 public:
     static constexpr std::int32_t kHole = -1;
 
-    LandingBand(int width, int rows)
-        : m_rows(static_cast<std::size_t>(rows))
-        , m_stride(static_cast<std::size_t>(width) + 1)
-        , m_source(m_rows * m_stride)
-        , m_z(m_rows * m_stride)
+    /// Holds the last `rows` of the `height` rows that were cleared.
+    LandingBand(int width, int height, int rows)
+        : m_stride(static_cast<std::size_t>(width) + 1)
+        , m_start(static_cast<std::size_t>(height))
+        , m_column(m_stride * static_cast<std::size_t>(rows))
+        , m_row(m_column.size())
+        , m_z(m_column.size())
     {
+        for (std::size_t y = 0; y < m_start.size(); ++y)
+            m_start[y] = y % static_cast<std::size_t>(rows) * m_stride;
     }
 
-    /// Index of the source pixel, `y * width + x`, for each cell of a row; `kHole` for none.
-    std::int32_t* source(int row) { return m_source.data() + start(row); }
-    const std::int32_t* source(int row) const { return m_source.data() + start(row); }
+    /// Column of the source pixel in each cell of row `y`; `kHole` for none.
+    std::int32_t* column(int y) { return m_column.data() + start(y); }
+    const std::int32_t* column(int y) const { return m_column.data() + start(y); }
+
+    /// Row of that pixel.
+    std::int32_t* row(int y) { return m_row.data() + start(y); }
+    const std::int32_t* row(int y) const { return m_row.data() + start(y); }
 
     /// Depth of that pixel.
-    float* z(int row) { return m_z.data() + start(row); }
-    const float* z(int row) const { return m_z.data() + start(row); }
+    float* z(int y) { return m_z.data() + start(y); }
+    const float* z(int y) const { return m_z.data() + start(y); }
 
-    void clear(int row)
+    void clear(int y)
     {
         constexpr float kNothing = -1e30f;
-        std::fill_n(source(row), m_stride, kHole);
-        std::fill_n(z(row), m_stride, kNothing);
+        std::fill_n(column(y), m_stride, kHole);
+        std::fill_n(z(y), m_stride, kNothing);
     }
 
 private:
-    std::size_t start(int row) const { return static_cast<std::size_t>(row) % m_rows * m_stride; }
+    std::size_t start(int y) const { return m_start[static_cast<std::size_t>(y)]; }
 
-    std::size_t m_rows;
     std::size_t m_stride;
-    std::vector<std::int32_t> m_source;
+    std::vector<std::size_t> m_start; ///< of each image row in the planes
+    std::vector<std::int32_t> m_column;
+    std::vector<std::int32_t> m_row;
     std::vector<float> m_z;
 };
 

@@ -43,26 +43,6 @@ inline bool anyBit(Ints v)
 /// Neighbours that are tested, landed and copied as one.
 inline constexpr int kBlock = 8;
 
-struct Range
-{
-    float low;
-    float high;
-};
-
-/// The extremes of `kBlock` samples, none of which is a NaN.
-inline Range rangeOf(const float* from)
-{
-    const Floats a = loadFloats(from);
-    const Floats b = loadFloats(from + 4);
-    Floats low = a < b ? a : b;
-    Floats high = a < b ? b : a;
-    const Floats lowTurned = __builtin_shufflevector(low, low, 2, 3, 0, 1);
-    const Floats highTurned = __builtin_shufflevector(high, high, 2, 3, 0, 1);
-    low = low < lowTurned ? low : lowTurned;
-    high = high < highTurned ? highTurned : high;
-    return {low[0] < low[1] ? low[0] : low[1], high[0] < high[1] ? high[1] : high[0]};
-}
-
 /// True when the `kBlock` entries from `column` on count upwards one by one.
 inline bool straight(const std::int32_t* column)
 {
@@ -78,22 +58,40 @@ inline bool anyNegative(const std::int32_t* column)
     return anyBit((loadInts(column) | loadInts(column + 4)) < 0);
 }
 
-/// Lets four pixels land on four neighbouring cells: the nearer wins, the one there when equal.
-inline void landFour(const float* depth, Ints pixels, std::int32_t* source, float* z)
+/// True when the `kBlock` entries from `row` on are equal.
+inline bool level(const std::int32_t* row)
+{
+    return !anyBit((loadInts(row) ^ row[0]) | (loadInts(row + 4) ^ row[0]));
+}
+
+/// Stores those lanes of `v` that are set in `where`, without a branch.
+inline void storeWhere(Ints where, Ints v, std::int32_t* to)
+{
+    store(where ? v : loadInts(to), to);
+}
+
+/// Lets four pixels land on four neighbouring cells by depth, and tells which did: the nearer wins,
+/// the one there when equal.
+inline Ints landFour(const float* depth, float* z)
 {
     const Floats d = loadFloats(depth);
     const Floats there = loadFloats(z);
-    const Ints wins = d > there;
-    store(wins ? d : there, z);
-    store(wins ? pixels : loadInts(source), source);
+    store(d > there ? d : there, z);
+    return d > there;
 }
 
-/// Lets one pixel land, without a branch, which noise would have mispredicted.
-inline void landOne(float depth, std::int32_t pixel, std::int32_t& source, float& z)
+/// The same for one pixel: all bits set when it lands. Without a branch, which noise would have
+/// mispredicted.
+inline std::int32_t landOne(float depth, float& z)
 {
     const std::int32_t wins = -static_cast<std::int32_t>(depth > z);
     z = depth > z ? depth : z;
-    source = (pixel & wins) | (source & ~wins);
+    return wins;
+}
+
+inline void storeWhere(std::int32_t where, std::int32_t v, std::int32_t& to)
+{
+    to = (v & where) | (to & ~where);
 }
 
 } // namespace zre

@@ -15,11 +15,9 @@ struct RowAim
     int endRow;
 };
 
-ZR_MULTIVERSION void aimAtNearest(const Warp& callersWarp, const RowAim& aim,
-                                  const float* __restrict depth, float* __restrict finite,
-                                  int* __restrict column, int* __restrict row)
+inline void aimAtNearest(const Warp warp, const RowAim& aim, const float* __restrict depth,
+                         float* __restrict finite, int* __restrict column, int* __restrict row)
 {
-    const Warp warp = callersWarp;
     const int width = aim.width;
     const double right = width;
     const double top = aim.firstRow;
@@ -36,6 +34,23 @@ ZR_MULTIVERSION void aimAtNearest(const Warp& callersWarp, const RowAim& aim,
         column[x] = static_cast<int>(inside ? cellX : right);
         row[x] = static_cast<int>(inside ? cellY : y);
     }
+}
+
+ZR_MULTIVERSION void aimRow(const Warp& warp, const RowAim& aim, const float* __restrict depth,
+                            float* __restrict finite, int* __restrict column, int* __restrict row)
+{
+    aimAtNearest(warp, aim, depth, finite, column, row);
+}
+
+/// The same for a warp that only shifts.
+ZR_MULTIVERSION void aimShiftedRow(const Warp& callersWarp, const RowAim& aim,
+                                   const float* __restrict depth, float* __restrict finite,
+                                   int* __restrict column, int* __restrict row)
+{
+    Warp warp = callersWarp;
+    warp.zoom = 0.0;
+    warp.maxDisparity = 0.0;
+    aimAtNearest(warp, aim, depth, finite, column, row);
 }
 
 inline int floorWithin(double value, double low, double high)
@@ -63,12 +78,6 @@ ZR_MULTIVERSION void aimAtCorner(const Warp& callersWarp, const RowAim& aim,
     }
 }
 
-/// True when the `kBlock` entries from `row` on are equal.
-bool level(const int* row)
-{
-    return !anyBit((loadInts(row) ^ row[0]) | (loadInts(row + 4) ^ row[0]));
-}
-
 } // namespace
 
 Scatter::Scatter(const Warp& warp, int width, int height, int reach, bool splat)
@@ -88,7 +97,8 @@ Scatter::Scatter(const Warp& warp, int width, int height, int reach, bool splat)
 void Scatter::landRow(const float* depth, int y, LandingBand& band)
 {
     const RowAim aim{y, m_width, std::max(0, y - m_reach), std::min(m_height, y + m_reach + 1)};
-    aimAtNearest(m_warp, aim, depth, m_depth.data(), m_column.data(), m_row.data());
+    (onlyShifts(m_warp) ? aimShiftedRow : aimRow)(m_warp, aim, depth, m_depth.data(),
+                                                  m_column.data(), m_row.data());
     if (m_splat) {
         aimAtCorner(m_warp, aim, m_depth.data(), m_cornerColumn.data(), m_cornerRow.data());
         spread(y, band);
@@ -97,51 +107,56 @@ void Scatter::landRow(const float* depth, int y, LandingBand& band)
     }
 }
 
+void Scatter::landPixel(int x, int y, LandingBand& band)
+{
+    const auto i = static_cast<std::size_t>(x);
+    const int column = m_column[i];
+    const int row = m_row[i];
+    const std::int32_t lands = landOne(m_depth[i], band.z(row)[column]);
+    storeWhere(lands, x, band.column(row)[column]);
+    storeWhere(lands, y, band.row(row)[column]);
+}
+
 void Scatter::landWhole(int y, LandingBand& band)
 {
-    const float* const depth = m_depth.data();
     const int* const column = m_column.data();
     const int* const row = m_row.data();
-    const std::int32_t first = y * m_width;
-    const auto landPixel = [&](int x) {
-        landOne(depth[x], first + x, band.source(row[x])[column[x]], band.z(row[x])[column[x]]);
-    };
     int x = 0;
     for (; x + kBlock <= m_width; x += kBlock) {
         if (straight(column + x) && level(row + x)) {
-            std::int32_t* const source = band.source(row[x]) + column[x];
-            float* const z = band.z(row[x]) + column[x];
-            landFour(depth + x, Ints{0, 1, 2, 3} + (first + x), source, z);
-            landFour(depth + x + 4, Ints{4, 5, 6, 7} + (first + x), source + 4, z + 4);
+            for (int k = 0; k < kBlock; k += 4) {
+                const int cell = column[x] + k;
+                const Ints lands = landFour(m_depth.data() + x + k, band.z(row[x]) + cell);
+                storeWhere(lands, Ints{0, 1, 2, 3} + (x + k), band.column(row[x]) + cell);
+                storeWhere(lands, Ints{} + y, band.row(row[x]) + cell);
+            }
         } else {
             for (int k = x; k < x + kBlock; ++k)
-                landPixel(k);
+                landPixel(k, y, band);
         }
     }
     for (; x < m_width; ++x)
-        landPixel(x);
+        landPixel(x, y, band);
 }
 
 /// The nearest of the four cells by depth, the other three only while they are empty.
 void Scatter::spread(int y, LandingBand& band)
 {
-    const std::int32_t first = y * m_width;
     const int firstRow = std::max(0, y - m_reach);
     const int lastRow = std::min(m_height, y + m_reach + 1) - 1;
     for (int x = 0; x < m_width; ++x) {
         const auto i = static_cast<std::size_t>(x);
-        const float d = m_depth[i];
-        const int column = m_column[i];
-        const int row = m_row[i];
-        landOne(d, first + x, band.source(row)[column], band.z(row)[column]);
-        for (int cellRow = std::max(m_cornerRow[i], firstRow);
-             cellRow <= std::min(m_cornerRow[i] + 1, lastRow); ++cellRow) {
-            std::int32_t* const source = band.source(cellRow);
+        landPixel(x, y, band);
+        for (int row = std::max(m_cornerRow[i], firstRow);
+             row <= std::min(m_cornerRow[i] + 1, lastRow); ++row) {
+            std::int32_t* const columns = band.column(row);
             for (int cell = std::max(m_cornerColumn[i], 0);
                  cell <= std::min(m_cornerColumn[i] + 1, m_width - 1); ++cell) {
-                if (source[cell] == LandingBand::kHole && (cell != column || cellRow != row)) {
-                    source[cell] = first + x;
-                    band.z(cellRow)[cell] = d;
+                if (columns[cell] == LandingBand::kHole &&
+                    (cell != m_column[i] || row != m_row[i])) {
+                    columns[cell] = x;
+                    band.row(row)[cell] = y;
+                    band.z(row)[cell] = m_depth[i];
                 }
             }
         }

@@ -17,6 +17,7 @@ public:
     void landRow(const float* depth, int y, LandingBand& band);
 
 private:
+    void landPixel(int x, int y, LandingBand& band);
     void landWhole(int y, LandingBand& band);
     void spread(int y, LandingBand& band);
 

@@ -24,6 +24,12 @@ struct Warp
 /// convergence all motion.
 Warp settled(Warp warp, int width, int height);
 
+/// True when a pixel's displacement depends on its depth alone, and linearly.
+inline bool onlyShifts(const Warp& warp)
+{
+    return warp.zoom == 0.0 && !(warp.maxDisparity > 0.0);
+}
+
 struct Displacement
 {
     double x;
