@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <cstdint>
-#include <limits>
+#include <array>
+#include <cstring>
 
 #include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
@@ -16,33 +16,37 @@ constexpr float kNothing = -1e30f;
 
 /// The scratch rows of one call, a cell longer than the image: pixels that leave the row land in
 /// that last cell, so that the scatter needs no test.
-struct Rows
+struct LandingRow
 {
-    explicit Rows(std::size_t width)
-        : depth(width)
-        , target(width)
-        , source(width + 1)
+    explicit LandingRow(std::size_t width)
+        : source(width + 1)
         , z(width + 1)
     {
     }
 
-    std::vector<float> depth; ///< finite depth of the source row
-    std::vector<int> target;  ///< output column of each source pixel
-    std::vector<int> source;  ///< source column shown by each output cell
-    std::vector<float> z;     ///< its depth
+    std::vector<int> source; ///< source column shown by each output cell
+    std::vector<float> z;    ///< its depth
 };
 
-ZR_MULTIVERSION void aim(const Warp& callersWarp, const float* __restrict depth, int width,
-                         float* __restrict finite, int* __restrict target)
+/// The finite depth and the output column of each of some neighbouring pixels.
+struct Aim
+{
+    std::array<float, kChunk> depth;
+    std::array<int, kChunk> target;
+};
+
+ZR_MULTIVERSION void aimChunk(const Warp& callersWarp, const float* __restrict depth, int first,
+                              int size, int width, float* __restrict finite, int* __restrict target)
 {
     const Warp warp = callersWarp;
     const double outside = width;
-    for (int x = 0; x < width; ++x) {
-        const float d = finiteDepth(warp, depth[x]);
-        const double cell = x + horizontalShift(warp, d) + 0.5;
-        finite[x] = d;
+    for (int i = 0; i < size; ++i) {
+        const float d = finiteDepth(warp, depth[i]);
+        const double cell = first + i + horizontalShift(warp, d) + 0.5;
+        finite[i] = d;
+        // Not below zero, so that truncation rounds down.
         const double forward = cell >= 0.0 ? cell : outside;
-        target[x] = static_cast<int>(forward < outside ? forward : outside);
+        target[i] = static_cast<int>(forward < outside ? forward : outside);
     }
 }
 
@@ -57,21 +61,36 @@ void landPixel(float depth, int pixel, int& source, float& z)
 }
 
 /// The nearest pixel wins a cell, the first of equals. Nearly all blocks move as one.
-void land(const float* depth, const int* target, int width, int* source, float* z)
+void landChunk(const Aim& aim, int first, int size, int* source, float* z)
 {
-    int x = 0;
-    for (; x + kBlock <= width; x += kBlock) {
-        if (straight(target + x)) {
-            const int cell = target[x];
-            landPixels(depth + x, Ints{0, 1, 2, 3} + x, source + cell, z + cell);
-            landPixels(depth + x + 4, Ints{4, 5, 6, 7} + x, source + cell + 4, z + cell + 4);
+    const float* const depth = aim.depth.data();
+    const int* const target = aim.target.data();
+    int i = 0;
+    for (; i + kBlock <= size; i += kBlock) {
+        if (straight(target + i)) {
+            const int cell = target[i];
+            const Ints pixels = Ints{0, 1, 2, 3} + (first + i);
+            landPixels(depth + i, pixels, source + cell, z + cell);
+            landPixels(depth + i + 4, pixels + 4, source + cell + 4, z + cell + 4);
         } else {
-            for (int k = x; k < x + kBlock; ++k)
-                landPixel(depth[k], k, source[target[k]], z[target[k]]);
+            for (int k = i; k < i + kBlock; ++k)
+                landPixel(depth[k], first + k, source[target[k]], z[target[k]]);
         }
     }
-    for (; x < width; ++x)
-        landPixel(depth[x], x, source[target[x]], z[target[x]]);
+    for (; i < size; ++i)
+        landPixel(depth[i], first + i, source[target[i]], z[target[i]]);
+}
+
+void land(const Warp& warp, const float* depth, int width, LandingRow& row)
+{
+    std::fill(row.source.begin(), row.source.end(), kHole);
+    std::fill(row.z.begin(), row.z.end(), kNothing);
+    Aim aim;
+    for (int x = 0; x < width; x += kChunk) {
+        const int size = std::min(kChunk, width - x);
+        aimChunk(warp, depth + x, x, size, width, aim.depth.data(), aim.target.data());
+        landChunk(aim, x, size, row.source.data(), row.z.data());
+    }
 }
 
 int firstHole(const int* source, int from, int width)
@@ -142,26 +161,23 @@ void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, doubl
     if (outDepth)
         shapeDepth(*outDepth, width, src.height);
     const auto columns = static_cast<std::size_t>(width);
-    Rows rows(columns);
+    LandingRow row(columns);
     for (int y = 0; y < src.height; ++y) {
         if (progress && y % 64 == 0)
             progress(static_cast<double>(y) / src.height);
         const std::size_t offset = static_cast<std::size_t>(y) * columns;
-        std::fill(rows.source.begin(), rows.source.end(), kHole);
-        std::fill(rows.z.begin(), rows.z.end(), kNothing);
-        aim(warp, depth.plane(0) + offset, width, rows.depth.data(), rows.target.data());
-        land(rows.depth.data(), rows.target.data(), width, rows.source.data(), rows.z.data());
-        fillHoles(width, rows.source.data(), rows.z.data());
-        const bool empty = rows.source.front() == kHole;
+        land(warp, depth.plane(0) + offset, width, row);
+        fillHoles(width, row.source.data(), row.z.data());
+        const bool empty = row.source.front() == kHole;
         if (empty)
             for (int c = 0; c < src.channels; ++c)
                 std::fill_n(out.plane(c) + offset, columns, 0.0f);
         else
-            copyRow(src, offset, rows.source.data(), out);
+            copyRow(src, offset, row.source.data(), out);
         if (outDepth && empty)
             std::fill_n(outDepth->plane(0) + offset, columns, -1.0f);
         else if (outDepth)
-            std::copy_n(rows.z.begin(), columns, outDepth->plane(0) + offset);
+            std::copy_n(row.z.begin(), columns, outDepth->plane(0) + offset);
     }
 }
 

@@ -5,14 +5,6 @@
 
 namespace zre {
 
-/// The pixels on a row of cells.
-struct Gather::Landed
-{
-    const std::int32_t* column;
-    const std::int32_t* row;
-    const float* z;
-};
-
 namespace {
 
 /// Which of its neighbours a cell samples beside the pixel that landed there.
@@ -43,45 +35,48 @@ inline SourcePoint sourcePoint(const Warp& warp, double x, double y, double sx, 
     return {uRaised > sx + 1.0 ? sx + 1.0 : uRaised, vRaised > sy + 1.0 ? sy + 1.0 : vRaised};
 }
 
-struct RowShape
+/// Some cells of a row of the output, and its shape.
+struct Cells
 {
+    int x;
+    int size;
     int y;
     int width;
     int height;
 };
 
-inline void placeCells(const Warp warp, const RowShape shape, const std::int32_t* __restrict column,
+inline void placeCells(const Warp warp, const Cells cells, const std::int32_t* __restrict column,
                        const std::int32_t* __restrict row, const float* __restrict z,
                        double* __restrict fu, double* __restrict fv, std::int32_t* __restrict side)
 {
-    const double y = shape.y;
-    const int lastColumn = shape.width - 1;
-    const int lastRow = shape.height - 1;
-    for (int x = 0; x < shape.width; ++x) {
-        const double sx = column[x];
-        const double sy = row[x];
-        const SourcePoint at = sourcePoint(warp, x, y, sx, sy, z[x]);
+    const double y = cells.y;
+    const int lastColumn = cells.width - 1;
+    const int lastRow = cells.height - 1;
+    for (int i = 0; i < cells.size; ++i) {
+        const double sx = column[i];
+        const double sy = row[i];
+        const SourcePoint at = sourcePoint(warp, cells.x + i, y, sx, sy, z[i]);
         const bool left = at.u < sx;
         const bool up = at.v < sy;
-        fu[x] = at.u - (left ? sx - 1.0 : sx);
-        fv[x] = at.v - (up ? sy - 1.0 : sy);
-        const bool border = (column[x] < 1) | (column[x] >= lastColumn) | (row[x] < 1) |
-                            (row[x] >= lastRow) | (at.u >= sx + 1.0) | (at.v >= sy + 1.0);
-        side[x] = (left ? kLeft : 0) | (up ? kUp : 0) | (border ? kBorder : 0);
+        fu[i] = at.u - (left ? sx - 1.0 : sx);
+        fv[i] = at.v - (up ? sy - 1.0 : sy);
+        const bool border = (column[i] < 1) | (column[i] >= lastColumn) | (row[i] < 1) |
+                            (row[i] >= lastRow) | (at.u >= sx + 1.0) | (at.v >= sy + 1.0);
+        side[i] = (left ? kLeft : 0) | (up ? kUp : 0) | (border ? kBorder : 0);
     }
 }
 
-ZR_MULTIVERSION void placeRow(const Warp& warp, const RowShape& shape,
+ZR_MULTIVERSION void placeRow(const Warp& warp, const Cells& cells,
                               const std::int32_t* __restrict column,
                               const std::int32_t* __restrict row, const float* __restrict z,
                               double* __restrict fu, double* __restrict fv,
                               std::int32_t* __restrict side)
 {
-    placeCells(warp, shape, column, row, z, fu, fv, side);
+    placeCells(warp, cells, column, row, z, fu, fv, side);
 }
 
 /// The same for a warp that only shifts.
-ZR_MULTIVERSION void placeShiftedRow(const Warp& callersWarp, const RowShape& shape,
+ZR_MULTIVERSION void placeShiftedRow(const Warp& callersWarp, const Cells& cells,
                                      const std::int32_t* __restrict column,
                                      const std::int32_t* __restrict row, const float* __restrict z,
                                      double* __restrict fu, double* __restrict fv,
@@ -90,7 +85,7 @@ ZR_MULTIVERSION void placeShiftedRow(const Warp& callersWarp, const RowShape& sh
     Warp warp = callersWarp;
     warp.zoom = 0.0;
     warp.maxDisparity = 0.0;
-    placeCells(warp, shape, column, row, z, fu, fv, side);
+    placeCells(warp, cells, column, row, z, fu, fv, side);
 }
 
 ZR_MULTIVERSION void sampleRun(const float* __restrict middle, std::ptrdiff_t stride, int length,
@@ -115,6 +110,23 @@ ZR_MULTIVERSION void sampleRun(const float* __restrict middle, std::ptrdiff_t st
         const double b = left ? top1 : top2;
         const double c = left ? bottom0 : bottom1;
         const double e = left ? bottom1 : bottom2;
+        const double top = a + (b - a) * fu[k];
+        const double bottom = c + (e - c) * fu[k];
+        out[k] = static_cast<float>(top + (bottom - top) * fv[k]);
+    }
+}
+
+/// The same for a run whose cells all sample on the same side; `first` is the upper left sample.
+ZR_MULTIVERSION void sampleEvenRun(const float* __restrict first, std::ptrdiff_t stride, int length,
+                                   const double* __restrict fu, const double* __restrict fv,
+                                   float* __restrict out)
+{
+    const float* const below = first + stride;
+    for (int k = 0; k < length; ++k) {
+        const double a = first[k];
+        const double b = first[k + 1];
+        const double c = below[k];
+        const double e = below[k + 1];
         const double top = a + (b - a) * fu[k];
         const double bottom = c + (e - c) * fu[k];
         out[k] = static_cast<float>(top + (bottom - top) * fv[k]);
@@ -146,85 +158,99 @@ Gather::Gather(const Warp& warp, const Image& src, Image& out, Image* outDepth)
     , m_out(out)
     , m_outDepth(outDepth)
 {
-    const auto width = static_cast<std::size_t>(src.width);
-    m_places.fu.resize(width);
-    m_places.fv.resize(width);
-    m_places.side.resize(width);
 }
 
 void Gather::fillRow(const LandingBand& band, int y)
 {
-    const Landed landed{band.column(y), band.row(y), band.z(y)};
-    (onlyShifts(m_warp) ? placeShiftedRow : placeRow)(
-        m_warp, {y, m_src.width, m_src.height}, landed.column, landed.row, landed.z,
-        m_places.fu.data(), m_places.fv.data(), m_places.side.data());
-    for (int x = 0; x < m_src.width;) {
-        const int length = runLength(landed, x);
-        if (length > 0) {
-            fillRun(landed, x, y, length);
-            x += length;
-            continue;
-        }
-        for (const int end = std::min(x + kBlock, m_src.width); x < end; ++x)
-            fillCell(landed, x, y);
-    }
+    const std::int32_t* const column = band.column(y);
+    const float* const z = band.z(y);
+    for (int x = 0; x < m_src.width; x += kChunk)
+        fillChunk({column + x, band.row(y) + x, z + x}, x, std::min(kChunk, m_src.width - x), y);
     if (!m_outDepth)
         return;
     float* const depth = m_outDepth->plane(0) + indexOf(m_src, 0, y);
     for (int x = 0; x < m_src.width; ++x)
-        depth[x] = landed.column[x] == LandingBand::kHole ? -1.0f : landed.z[x];
+        depth[x] = column[x] == LandingBand::kHole ? -1.0f : z[x];
 }
 
-/// How many cells from `x` on, by whole blocks, show neighbouring pixels away from the border.
-int Gather::runLength(const Landed& landed, int x) const
+void Gather::fillChunk(const Landed& landed, int x0, int size, int y)
 {
-    int length = 0;
-    for (; x + length + kBlock <= m_src.width; length += kBlock) {
-        const int block = x + length;
-        const std::int32_t* const side = m_places.side.data() + block;
+    (onlyShifts(m_warp) ? placeShiftedRow
+                        : placeRow)(m_warp, {x0, size, y, m_src.width, m_src.height}, landed.column,
+                                    landed.row, landed.z, m_fu.data(), m_fv.data(), m_side.data());
+    const auto end = static_cast<std::size_t>(size);
+    for (std::size_t i = 0; i < end;) {
+        const int x = x0 + static_cast<int>(i);
+        const int length = runLength(landed, i, end);
+        if (length > 0) {
+            fillRun(landed, i, length, indexOf(m_src, x, y));
+            i += static_cast<std::size_t>(length);
+            continue;
+        }
+        const std::size_t blockEnd = std::min(i + kBlock, end);
+        for (int k = 0; i < blockEnd; ++i, ++k)
+            fillCell(landed, i, x + k, y);
+    }
+}
+
+/// How many cells from `i` on, by whole blocks, show neighbouring pixels away from the border, and
+/// either all sample on the same side or, by blocks, do not.
+int Gather::runLength(const Landed& landed, std::size_t i, std::size_t size) const
+{
+    const bool even = i + kBlock <= size && level(m_side.data() + i);
+    std::size_t block = i;
+    for (; block + kBlock <= size; block += kBlock) {
+        const std::int32_t* const side = m_side.data() + block;
+        const auto length = static_cast<std::int32_t>(block - i);
         if (!straight(landed.column + block) || !level(landed.row + block) ||
-            landed.column[block] != landed.column[x] + length ||
-            landed.row[block] != landed.row[x] ||
-            anyBit((loadInts(side) | loadInts(side + 4)) & kBorder))
+            landed.column[block] != landed.column[i] + length ||
+            landed.row[block] != landed.row[i] || level(side) != even ||
+            (even && *side != m_side[i]) || anyBit((loadInts(side) | loadInts(side + 4)) & kBorder))
             break;
     }
-    return length;
+    return static_cast<int>(block - i);
 }
 
-void Gather::fillRun(const Landed& landed, int x, int y, int length)
+void Gather::fillRun(const Landed& landed, std::size_t i, int length, std::size_t cell)
 {
-    const std::size_t source = indexOf(m_src, landed.column[x], landed.row[x]);
-    const std::size_t cell = indexOf(m_src, x, y);
-    for (int c = 0; c < m_src.channels; ++c)
-        sampleRun(m_src.plane(c) + source, m_src.width, length, m_places.fu.data() + x,
-                  m_places.fv.data() + x, m_places.side.data() + x, m_out.plane(c) + cell);
+    const std::size_t source = indexOf(m_src, landed.column[i], landed.row[i]);
+    const std::int32_t side = m_side[i];
+    const bool even = level(m_side.data() + i);
+    for (int c = 0; c < m_src.channels; ++c) {
+        const float* const pixel = m_src.plane(c) + source;
+        float* const out = m_out.plane(c) + cell;
+        if (even)
+            sampleEvenRun(pixel - ((side & kLeft) ? 1 : 0) - ((side & kUp) ? m_src.width : 0),
+                          m_src.width, length, m_fu.data() + i, m_fv.data() + i, out);
+        else
+            sampleRun(pixel, m_src.width, length, m_fu.data() + i, m_fv.data() + i,
+                      m_side.data() + i, out);
+    }
 }
 
-void Gather::fillCell(const Landed& landed, int x, int y)
+void Gather::fillCell(const Landed& landed, std::size_t i, int x, int y)
 {
-    const auto i = static_cast<std::size_t>(x);
     const std::size_t cell = indexOf(m_src, x, y);
-    const std::int32_t side = m_places.side[i];
-    if (landed.column[x] == LandingBand::kHole) {
+    const std::int32_t side = m_side[i];
+    if (landed.column[i] == LandingBand::kHole) {
         for (int c = 0; c < m_src.channels; ++c)
             m_out.plane(c)[cell] = 0.0f;
     } else if (side & kBorder) {
-        fillBorderCell(landed, x, y);
+        fillBorderCell(landed, i, x, y);
     } else {
-        const int left = landed.column[x] - ((side & kLeft) ? 1 : 0);
-        const int upper = landed.row[x] - ((side & kUp) ? 1 : 0);
+        const int left = landed.column[i] - ((side & kLeft) ? 1 : 0);
+        const int upper = landed.row[i] - ((side & kUp) ? 1 : 0);
         const std::size_t first = indexOf(m_src, left, upper);
         for (int c = 0; c < m_src.channels; ++c)
-            m_out.plane(c)[cell] =
-                between(m_src.plane(c) + first, 1, static_cast<std::size_t>(m_src.width),
-                        m_places.fu[i], m_places.fv[i]);
+            m_out.plane(c)[cell] = between(m_src.plane(c) + first, 1,
+                                           static_cast<std::size_t>(m_src.width), m_fu[i], m_fv[i]);
     }
 }
 
 /// A cell that samples at the border of the source, where the last column and row repeat.
-void Gather::fillBorderCell(const Landed& landed, int x, int y)
+void Gather::fillBorderCell(const Landed& landed, std::size_t i, int x, int y)
 {
-    const SourcePoint at = sourcePoint(m_warp, x, y, landed.column[x], landed.row[x], landed.z[x]);
+    const SourcePoint at = sourcePoint(m_warp, x, y, landed.column[i], landed.row[i], landed.z[i]);
     const double u = std::clamp(at.u, 0.0, m_src.width - 1.0);
     const double v = std::clamp(at.v, 0.0, m_src.height - 1.0);
     const int column = static_cast<int>(u);

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <vector>
+#include <array>
 
 #include "engine/stereo/landing_band.h"
+#include "engine/stereo/lanes.h"
 #include "engine/stereo/warp.h"
 
 namespace zre {
@@ -16,27 +17,31 @@ public:
 
     void fillRow(const LandingBand& band, int y);
 
-    /// Where the cells of a row sample, beside the pixels that landed there.
-    struct Places
+private:
+    /// The pixels that landed on a row of cells, from the first of a chunk on.
+    struct Landed
     {
-        std::vector<double> fu; ///< the place between two columns, and two rows
-        std::vector<double> fv;
-        std::vector<std::int32_t> side; ///< which two they are, as bits
+        const std::int32_t* column;
+        const std::int32_t* row;
+        const float* z;
     };
 
-private:
-    struct Landed;
+    void fillChunk(const Landed& landed, int x0, int size, int y);
+    int runLength(const Landed& landed, std::size_t i, std::size_t size) const;
+    void fillRun(const Landed& landed, std::size_t i, int length, std::size_t cell);
+    void fillCell(const Landed& landed, std::size_t i, int x, int y);
+    void fillBorderCell(const Landed& landed, std::size_t i, int x, int y);
 
-    int runLength(const Landed& landed, int x) const;
-    void fillRun(const Landed& landed, int x, int y, int length);
-    void fillCell(const Landed& landed, int x, int y);
-    void fillBorderCell(const Landed& landed, int x, int y);
+    template <typename T>
+    using PerCell = std::array<T, kChunk>;
 
     Warp m_warp;
     const Image& m_src;
     Image& m_out;
     Image* m_outDepth;
-    Places m_places;
+    PerCell<double> m_fu; ///< the place between two columns, and two rows, that a cell samples
+    PerCell<double> m_fv;
+    PerCell<std::int32_t> m_side; ///< which two they are, as bits
 };
 
 } // namespace zre

@@ -41,6 +41,17 @@ public:
     float* z(int y) { return m_z.data() + start(y); }
     const float* z(int y) const { return m_z.data() + start(y); }
 
+    /// Where cell `x` of row `y` stands in the three planes.
+    std::size_t cell(int x, int y) const { return start(y) + static_cast<std::size_t>(x); }
+
+    struct Planes
+    {
+        std::int32_t* column;
+        std::int32_t* row;
+        float* z;
+    };
+    Planes planes() { return {m_column.data(), m_row.data(), m_z.data()}; }
+
     void clear(int y)
     {
         constexpr float kNothing = -1e30f;

@@ -40,6 +40,9 @@ inline bool anyBit(Ints v)
     return (halves[0] | halves[1]) != 0;
 }
 
+/// Pixels of a row worked on in one go, so that what is known of each stays in the nearest cache.
+inline constexpr int kChunk = 512;
+
 /// Neighbours that are tested, landed and copied as one.
 inline constexpr int kBlock = 8;
 

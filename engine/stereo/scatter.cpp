@@ -9,6 +9,8 @@ namespace {
 
 struct RowAim
 {
+    int x; ///< first pixel of the row that is aimed, and how many
+    int size;
     int y;
     int width;
     int firstRow; ///< rows that pixels may land on
@@ -18,21 +20,21 @@ struct RowAim
 inline void aimAtNearest(const Warp warp, const RowAim& aim, const float* __restrict depth,
                          float* __restrict finite, int* __restrict column, int* __restrict row)
 {
-    const int width = aim.width;
-    const double right = width;
+    const double right = aim.width;
     const double top = aim.firstRow;
     const double bottom = aim.endRow;
     const double y = aim.y;
-    for (int x = 0; x < width; ++x) {
-        const float d = finiteDepth(warp, depth[x]);
+    for (int i = 0; i < aim.size; ++i) {
+        const int x = aim.x + i;
+        const float d = finiteDepth(warp, depth[i]);
         const Displacement moved = displacement(warp, x, y, d);
         const double cellX = x + moved.x + 0.5;
         const double cellY = y + moved.y + 0.5;
         // Not below zero, so that truncation rounds down.
         const bool inside = (cellX >= 0.0) & (cellX < right) & (cellY >= top) & (cellY < bottom);
-        finite[x] = d;
-        column[x] = static_cast<int>(inside ? cellX : right);
-        row[x] = static_cast<int>(inside ? cellY : y);
+        finite[i] = d;
+        column[i] = static_cast<int>(inside ? cellX : right);
+        row[i] = static_cast<int>(inside ? cellY : y);
     }
 }
 
@@ -66,15 +68,15 @@ ZR_MULTIVERSION void aimAtCorner(const Warp& callersWarp, const RowAim& aim,
                                  int* __restrict row)
 {
     const Warp warp = callersWarp;
-    const int width = aim.width;
-    const double right = width;
+    const double right = aim.width;
     const double top = aim.firstRow - 2;
     const double bottom = aim.endRow;
     const double y = aim.y;
-    for (int x = 0; x < width; ++x) {
-        const Displacement moved = displacement(warp, x, y, finite[x]);
-        column[x] = floorWithin(x + moved.x, -2.0, right);
-        row[x] = floorWithin(y + moved.y, top, bottom);
+    for (int i = 0; i < aim.size; ++i) {
+        const int x = aim.x + i;
+        const Displacement moved = displacement(warp, x, y, finite[i]);
+        column[i] = floorWithin(x + moved.x, -2.0, right);
+        row[i] = floorWithin(y + moved.y, top, bottom);
     }
 }
 
@@ -86,80 +88,79 @@ Scatter::Scatter(const Warp& warp, int width, int height, int reach, bool splat)
     , m_height(height)
     , m_reach(reach)
     , m_splat(splat)
-    , m_depth(static_cast<std::size_t>(width))
-    , m_column(static_cast<std::size_t>(width))
-    , m_row(static_cast<std::size_t>(width))
-    , m_cornerColumn(splat ? static_cast<std::size_t>(width) : 0)
-    , m_cornerRow(splat ? static_cast<std::size_t>(width) : 0)
 {
 }
 
 void Scatter::landRow(const float* depth, int y, LandingBand& band)
 {
-    const RowAim aim{y, m_width, std::max(0, y - m_reach), std::min(m_height, y + m_reach + 1)};
-    (onlyShifts(m_warp) ? aimShiftedRow : aimRow)(m_warp, aim, depth, m_depth.data(),
-                                                  m_column.data(), m_row.data());
-    if (m_splat) {
-        aimAtCorner(m_warp, aim, m_depth.data(), m_cornerColumn.data(), m_cornerRow.data());
-        spread(y, band);
-    } else {
-        landWhole(y, band);
-    }
-}
-
-void Scatter::landPixel(int x, int y, LandingBand& band)
-{
-    const auto i = static_cast<std::size_t>(x);
-    const int column = m_column[i];
-    const int row = m_row[i];
-    const std::int32_t lands = landOne(m_depth[i], band.z(row)[column]);
-    storeWhere(lands, x, band.column(row)[column]);
-    storeWhere(lands, y, band.row(row)[column]);
-}
-
-void Scatter::landWhole(int y, LandingBand& band)
-{
-    const int* const column = m_column.data();
-    const int* const row = m_row.data();
-    int x = 0;
-    for (; x + kBlock <= m_width; x += kBlock) {
-        if (straight(column + x) && level(row + x)) {
-            for (int k = 0; k < kBlock; k += 4) {
-                const int cell = column[x] + k;
-                const Ints lands = landFour(m_depth.data() + x + k, band.z(row[x]) + cell);
-                storeWhere(lands, Ints{0, 1, 2, 3} + (x + k), band.column(row[x]) + cell);
-                storeWhere(lands, Ints{} + y, band.row(row[x]) + cell);
-            }
+    const int firstRow = std::max(0, y - m_reach);
+    const int endRow = std::min(m_height, y + m_reach + 1);
+    for (int x = 0; x < m_width; x += kChunk) {
+        const RowAim aim{x, std::min(kChunk, m_width - x), y, m_width, firstRow, endRow};
+        (onlyShifts(m_warp) ? aimShiftedRow : aimRow)(m_warp, aim, depth + x, m_depth.data(),
+                                                      m_column.data(), m_row.data());
+        const Chunk chunk{x, aim.size, y, firstRow, endRow};
+        if (m_splat) {
+            aimAtCorner(m_warp, aim, m_depth.data(), m_cornerColumn.data(), m_cornerRow.data());
+            spread(chunk, band);
         } else {
-            for (int k = x; k < x + kBlock; ++k)
-                landPixel(k, y, band);
+            landWhole(chunk, band);
         }
     }
-    for (; x < m_width; ++x)
-        landPixel(x, y, band);
+}
+
+inline void Scatter::landPixel(std::size_t i, int x, int y, const LandingBand& band,
+                               const LandingBand::Planes& planes) const
+{
+    const std::size_t cell = band.cell(m_column[i], m_row[i]);
+    const std::int32_t lands = landOne(m_depth[i], planes.z[cell]);
+    storeWhere(lands, x, planes.column[cell]);
+    storeWhere(lands, y, planes.row[cell]);
+}
+
+void Scatter::landWhole(const Chunk& chunk, LandingBand& band) const
+{
+    const LandingBand::Planes planes = band.planes();
+    const auto size = static_cast<std::size_t>(chunk.size);
+    std::size_t i = 0;
+    for (; i + kBlock <= size; i += kBlock) {
+        const int x = chunk.x + static_cast<int>(i);
+        if (straight(m_column.data() + i) && level(m_row.data() + i)) {
+            const std::size_t first = band.cell(m_column[i], m_row[i]);
+            for (int k = 0; k < kBlock; k += 4) {
+                const std::size_t cell = first + static_cast<std::size_t>(k);
+                const Ints lands = landFour(m_depth.data() + i + k, planes.z + cell);
+                storeWhere(lands, Ints{0, 1, 2, 3} + (x + k), planes.column + cell);
+                storeWhere(lands, Ints{} + chunk.y, planes.row + cell);
+            }
+        } else {
+            for (int k = 0; k < kBlock; ++k)
+                landPixel(i + static_cast<std::size_t>(k), x + k, chunk.y, band, planes);
+        }
+    }
+    for (; i < size; ++i)
+        landPixel(i, chunk.x + static_cast<int>(i), chunk.y, band, planes);
 }
 
 /// The nearest of the four cells by depth, the other three only while they are empty.
-void Scatter::spread(int y, LandingBand& band)
+void Scatter::spread(const Chunk& chunk, LandingBand& band) const
 {
-    const int firstRow = std::max(0, y - m_reach);
-    const int lastRow = std::min(m_height, y + m_reach + 1) - 1;
-    for (int x = 0; x < m_width; ++x) {
-        const auto i = static_cast<std::size_t>(x);
-        landPixel(x, y, band);
-        for (int row = std::max(m_cornerRow[i], firstRow);
-             row <= std::min(m_cornerRow[i] + 1, lastRow); ++row) {
-            std::int32_t* const columns = band.column(row);
-            for (int cell = std::max(m_cornerColumn[i], 0);
-                 cell <= std::min(m_cornerColumn[i] + 1, m_width - 1); ++cell) {
-                if (columns[cell] == LandingBand::kHole &&
-                    (cell != m_column[i] || row != m_row[i])) {
-                    columns[cell] = x;
-                    band.row(row)[cell] = y;
-                    band.z(row)[cell] = m_depth[i];
-                }
+    const LandingBand::Planes planes = band.planes();
+    for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.size); ++i) {
+        const int x = chunk.x + static_cast<int>(i);
+        landPixel(i, x, chunk.y, band, planes);
+        const int lastRow = std::min(m_cornerRow[i] + 1, chunk.endRow - 1);
+        const int lastColumn = std::min(m_cornerColumn[i] + 1, m_width - 1);
+        for (int row = std::max(m_cornerRow[i], chunk.firstRow); row <= lastRow; ++row)
+            for (int column = std::max(m_cornerColumn[i], 0); column <= lastColumn; ++column) {
+                const std::size_t cell = band.cell(column, row);
+                if (planes.column[cell] != LandingBand::kHole ||
+                    (column == m_column[i] && row == m_row[i]))
+                    continue;
+                planes.column[cell] = x;
+                planes.row[cell] = chunk.y;
+                planes.z[cell] = m_depth[i];
             }
-        }
     }
 }
 
