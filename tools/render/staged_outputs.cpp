@@ -29,24 +29,12 @@ static bool fail(QString* error, const QString& what, const fs::path& path,
     return false;
 }
 
-/// A writer that waits for hundreds of megabytes to reach the disk is let go: empty files need
-/// no writing.
-static void emptyFiles(const fs::path& folder)
-{
-    std::error_code error;
-    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-        std::error_code ignored;
-        fs::resize_file(at->path(), 0, ignored);
-    }
-}
-
 /// Also when somebody is still writing into it: a folder that is gone takes no more files.
 static void removeTree(const fs::path& folder)
 {
     constexpr int kAttempts = 1000;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::error_code error;
-        emptyFiles(folder);
         fs::remove_all(folder, error);
         if (!fs::exists(fs::symlink_status(folder, error)))
             return;
