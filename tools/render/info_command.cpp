@@ -54,7 +54,7 @@ static QString infoText(const Session& session, const std::optional<SolutionRepo
 Outcome runInfo(const Invocation& invocation, RunContext& context)
 {
     Session session;
-    const Outcome outcome = openInputs(invocation, session, context.console);
+    Outcome outcome = openInputs(invocation, session, context.console);
     if (!outcome.isDone())
         return outcome;
     const auto solution =

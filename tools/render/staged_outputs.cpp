@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ranges>
 #include <system_error>
 
 #include <QFile>
@@ -56,10 +57,10 @@ bool StagedOutputs::makeFolder(const QString& folder, QString* error)
         path = path.parent_path();
     for (; !path.empty() && !fs::exists(path, code); path = path.parent_path())
         missing.push_back(path);
-    for (auto next = missing.rbegin(); next != missing.rend(); ++next) {
-        if (closed || !fs::create_directory(*next, code))
-            return fail(error, QStringLiteral("cannot make the folder"), *next, code);
-        madeFolders.push_back(*next);
+    for (const fs::path& next : missing | std::views::reverse) {
+        if (closed || !fs::create_directory(next, code))
+            return fail(error, QStringLiteral("cannot make the folder"), next, code);
+        madeFolders.push_back(next);
     }
     return true;
 }
@@ -138,9 +139,9 @@ bool StagedOutputs::abandon()
     closed = true;
     files.clear();
     removeHiddenFolders();
-    for (auto folder = madeFolders.rbegin(); folder != madeFolders.rend(); ++folder) {
+    for (const fs::path& folder : madeFolders | std::views::reverse) {
         std::error_code code;
-        fs::remove(*folder, code); // only when empty
+        fs::remove(folder, code); // only when empty
     }
     madeFolders.clear();
     return wasOpen;

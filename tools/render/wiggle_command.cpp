@@ -47,7 +47,7 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
             kFramesPercent + (100 - kFramesPercent) * frame / frames,
             QStringLiteral("Rendering frame %1 of %2...").arg(frame + 1).arg(frames));
         pipeline.renderWiggle(frame, image);
-        const Outcome outcome =
+        Outcome outcome =
             writeStaged(framePath(folder, frame), image, nullptr, bits, context.outputs);
         if (!outcome.isDone())
             return outcome;
