@@ -1,8 +1,8 @@
 #include "tools/render/staged_outputs.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <ranges>
 #include <system_error>
 
 #include <QFile>
@@ -57,7 +57,8 @@ bool StagedOutputs::makeFolder(const QString& folder, QString* error)
         path = path.parent_path();
     for (; !path.empty() && !fs::exists(path, code); path = path.parent_path())
         missing.push_back(path);
-    for (const fs::path& next : missing | std::views::reverse) {
+    std::reverse(missing.begin(), missing.end());
+    for (const fs::path& next : missing) {
         if (closed || !fs::create_directory(next, code))
             return fail(error, QStringLiteral("cannot make the folder"), next, code);
         madeFolders.push_back(next);
@@ -139,7 +140,8 @@ bool StagedOutputs::abandon()
     closed = true;
     files.clear();
     removeHiddenFolders();
-    for (const fs::path& folder : madeFolders | std::views::reverse) {
+    std::reverse(madeFolders.begin(), madeFolders.end()); // innermost first
+    for (const fs::path& folder : madeFolders) {
         std::error_code code;
         fs::remove(folder, code); // only when empty
     }
