@@ -2,10 +2,10 @@
 
 #include <climits>
 #include <cmath>
-#include <numeric>
 
 #include <QStringList>
 
+#include "app/persist/edit_distance.h"
 #include "engine/depth/color_depth_rows.h"
 #include "engine/params/param_ranges.h"
 
@@ -59,25 +59,6 @@ std::vector<ParamInfo> parameterList()
     }
     list.push_back({kErasuresKey, "string", 0.0, 0.0, false, {}, kErasuresMeaning});
     return list;
-}
-
-/// Levenshtein's distance, blind to case: the insertions, deletions and replacements between two
-/// words.
-static int editDistance(const QString& a, const QString& b)
-{
-    std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (const QChar letter : a) {
-        int diagonal = row[0]++;
-        std::size_t at = 1;
-        for (const QChar other : b) {
-            const int replaced = diagonal + (letter.toLower() == other.toLower() ? 0 : 1);
-            diagonal = row[at];
-            row[at] = std::min({replaced, row[at - 1] + 1, diagonal + 1});
-            ++at;
-        }
-    }
-    return row.back();
 }
 
 static QString nearestName(const QString& key)
