@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstring>
+#include <limits>
 
-#include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
 #include "engine/stereo/lanes.h"
 #include "engine/stereo/warp.h"
@@ -28,26 +28,42 @@ struct LandingRow
     std::vector<float> z;    ///< its depth
 };
 
-/// The finite depth and the output column of each of some neighbouring pixels.
-struct Aim
+/// A range of depths that all move by the same whole number of columns, wherever they stand.
+struct SteadyRange
 {
-    std::array<float, kChunk> depth;
-    std::array<int, kChunk> target;
+    float low = 1.0f;
+    float high = 0.0f;
+    int move = 0;
 };
 
-ZR_MULTIVERSION void aimChunk(const Warp& callersWarp, const float* __restrict depth, int first,
-                              int size, int width, float* __restrict finite, int* __restrict target)
+/// The range about `depth`. A shift grows or falls with the depth throughout, so that the ends
+/// speak for what lies between; the margin is far more than a column and a shift can round when
+/// they are added.
+SteadyRange steadyAround(const Warp& warp, float depth, int width)
 {
-    const Warp warp = callersWarp;
-    const double outside = width;
-    for (int i = 0; i < size; ++i) {
-        const float d = finiteDepth(warp, depth[i]);
-        const double cell = first + i + horizontalShift(warp, d) + 0.5;
-        finite[i] = d;
-        // Not below zero, so that truncation rounds down.
-        const double forward = cell >= 0.0 ? cell : outside;
-        target[i] = static_cast<int>(forward < outside ? forward : outside);
-    }
+    constexpr double kMargin = 1e-4;
+    constexpr double kMost = std::numeric_limits<float>::max();
+    const double shift = horizontalShift(warp, depth);
+    if (!(std::fabs(shift) < width))
+        return {};
+    const double move = std::floor(shift + 0.5);
+    const double gain = warp.offsetX * 0.5 * warp.parallax;
+    const double one = warp.convergence + (move - (0.5 - kMargin)) / gain;
+    const double other = warp.convergence + (move + (0.5 - kMargin)) / gain;
+    const auto low = static_cast<float>(std::max(std::min(one, other), -kMost));
+    const auto high = static_cast<float>(std::min(std::max(one, other), kMost));
+    const auto moves = [&](float d) {
+        return std::fabs(horizontalShift(warp, d) - move) < 0.5 - 0.5 * kMargin;
+    };
+    return moves(low) && moves(high) ? SteadyRange{low, high, static_cast<int>(move)}
+                                     : SteadyRange{};
+}
+
+bool holdsBlock(const SteadyRange& range, const float* depth)
+{
+    const Floats a = loadFloats(depth);
+    const Floats b = loadFloats(depth + 4);
+    return allSet((a >= range.low) & (a <= range.high) & (b >= range.low) & (b <= range.high));
 }
 
 void landPixels(const float* depth, Ints pixels, int* source, float* z)
@@ -55,42 +71,40 @@ void landPixels(const float* depth, Ints pixels, int* source, float* z)
     storeWhere(landFour(depth, z), pixels, source);
 }
 
-void landPixel(float depth, int pixel, int& source, float& z)
+void landPixel(const Warp& warp, float depth, int x, int width, LandingRow& row)
 {
-    storeWhere(landOne(depth, z), pixel, source);
+    const float d = finiteDepth(warp, depth);
+    const double cell = x + horizontalShift(warp, d) + 0.5;
+    // Not below zero, so that truncation rounds down.
+    const auto target =
+        static_cast<std::size_t>(cell >= 0.0 && cell < width ? cell : double(width));
+    storeWhere(landOne(d, row.z[target]), x, row.source[target]);
 }
 
 /// The nearest pixel wins a cell, the first of equals. Nearly all blocks move as one.
-void landChunk(const Aim& aim, int first, int size, int* source, float* z)
-{
-    const float* const depth = aim.depth.data();
-    const int* const target = aim.target.data();
-    int i = 0;
-    for (; i + kBlock <= size; i += kBlock) {
-        if (straight(target + i)) {
-            const int cell = target[i];
-            const Ints pixels = Ints{0, 1, 2, 3} + (first + i);
-            landPixels(depth + i, pixels, source + cell, z + cell);
-            landPixels(depth + i + 4, pixels + 4, source + cell + 4, z + cell + 4);
-        } else {
-            for (int k = i; k < i + kBlock; ++k)
-                landPixel(depth[k], first + k, source[target[k]], z[target[k]]);
-        }
-    }
-    for (; i < size; ++i)
-        landPixel(depth[i], first + i, source[target[i]], z[target[i]]);
-}
-
 void land(const Warp& warp, const float* depth, int width, LandingRow& row)
 {
     std::fill(row.source.begin(), row.source.end(), kHole);
     std::fill(row.z.begin(), row.z.end(), kNothing);
-    Aim aim;
-    for (int x = 0; x < width; x += kChunk) {
-        const int size = std::min(kChunk, width - x);
-        aimChunk(warp, depth + x, x, size, width, aim.depth.data(), aim.target.data());
-        landChunk(aim, x, size, row.source.data(), row.z.data());
+    SteadyRange steady;
+    int x = 0;
+    for (; x + kBlock <= width; x += kBlock) {
+        if (!holdsBlock(steady, depth + x))
+            steady = steadyAround(warp, depth[x + kBlock - 1], width);
+        const int cell = x + steady.move;
+        if (cell >= 0 && cell + kBlock <= width && holdsBlock(steady, depth + x)) {
+            int* const source = row.source.data() + cell;
+            float* const z = row.z.data() + cell;
+            const Ints pixels = Ints{0, 1, 2, 3} + x;
+            landPixels(depth + x, pixels, source, z);
+            landPixels(depth + x + 4, pixels + 4, source + 4, z + 4);
+        } else {
+            for (int k = x; k < x + kBlock; ++k)
+                landPixel(warp, depth[k], k, width, row);
+        }
     }
+    for (; x < width; ++x)
+        landPixel(warp, depth[x], x, width, row);
 }
 
 int firstHole(const int* source, int from, int width)

@@ -40,6 +40,12 @@ inline bool anyBit(Ints v)
     return (halves[0] | halves[1]) != 0;
 }
 
+/// True when every bit of `v` is set.
+inline bool allSet(Ints v)
+{
+    return !anyBit(~v);
+}
+
 /// Pixels of a row worked on in one go, so that what is known of each stays in the nearest cache.
 inline constexpr int kChunk = 512;
 
