@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
 #include "engine/stereo/lanes.h"
 #include "engine/stereo/warp.h"
@@ -82,15 +83,16 @@ void landPixel(const Warp& warp, float depth, int x, int width, LandingRow& row)
 }
 
 /// The nearest pixel wins a cell, the first of equals. Nearly all blocks move as one.
-void land(const Warp& warp, const float* depth, int width, LandingRow& row)
+ZR_MULTIVERSION void land(const Warp& warp, const float* depth, int width, LandingRow& row)
 {
     std::fill(row.source.begin(), row.source.end(), kHole);
     std::fill(row.z.begin(), row.z.end(), kNothing);
     SteadyRange steady;
     int x = 0;
     for (; x + kBlock <= width; x += kBlock) {
-        if (!holdsBlock(steady, depth + x))
-            steady = steadyAround(warp, depth[x + kBlock - 1], width);
+        const float last = depth[x + kBlock - 1];
+        if (!(last >= steady.low && last <= steady.high))
+            steady = steadyAround(warp, last, width);
         const int cell = x + steady.move;
         if (cell >= 0 && cell + kBlock <= width && holdsBlock(steady, depth + x)) {
             int* const source = row.source.data() + cell;
@@ -134,7 +136,7 @@ void fillHoles(int width, int* source, float* z)
 }
 
 /// Copies a row of every channel from its source columns; the row has no hole.
-void copyRow(const Image& src, std::size_t offset, const int* source, Image& out)
+ZR_MULTIVERSION void copyRow(const Image& src, std::size_t offset, const int* source, Image& out)
 {
     const std::size_t planeSize = src.pixelCount();
     const float* const from = src.data.data() + offset;
