@@ -43,7 +43,7 @@ inline double zoomGrowth(const Warp& warp, double depth)
     return (nearness > 0.0 ? nearness : 0.0) * warp.zoom;
 }
 
-/// How far the pixel at (`x`, `y`) moves in a purely horizontal warp, in pixels.
+/// How far a pixel of that depth moves in a purely horizontal warp, in pixels.
 inline double horizontalShift(const Warp& warp, double depth)
 {
     const double shift = (depth - warp.convergence) * warp.offsetX * 0.5 * warp.parallax;

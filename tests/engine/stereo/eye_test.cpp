@@ -60,7 +60,8 @@ struct Size
     int height;
 };
 
-const Size kSizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 2}, {37, 23}, {64, 5}, {131, 70}};
+const Size kSizes[] = {{1, 1},  {1, 9},    {9, 1},    {2, 2},   {37, 23},
+                       {64, 5}, {131, 70}, {1100, 9}, {40, 300}};
 
 std::string describe(const Size& size, const std::string& scene, const Eye& e)
 {
