@@ -1,0 +1,121 @@
+#include "app/prefs/preferences_dialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+#include "app/persist/appcfg.h"
+#include "app/prefs/theme_manager.h"
+#include "tests/app/private_settings.h"
+
+namespace {
+
+struct Preferences : testing::Test
+{
+    PrivateSettings own;
+    QString folder;
+    QString program;
+    QColor color;
+
+    Preferences() { ThemeManager::instance().init(); }
+
+    PreferenceQuestions answers()
+    {
+        return {[this](const QString&, const QString&) { return folder; },
+                [this](const QString&, const QString&) { return program; },
+                [this](const QString&, const QColor&) { return color; }};
+    }
+};
+
+void press(const PreferencesDialog& dialog, const char* name)
+{
+    auto* button = dialog.findChild<QPushButton*>(name);
+    ASSERT_TRUE(button) << name;
+    button->click();
+}
+
+} // namespace
+
+TEST_F(Preferences, TheThemeAppliesAndIsStoredAtOnce)
+{
+    PreferencesDialog dialog(answers());
+    auto* modes = dialog.findChild<QComboBox*>("themeMode");
+    modes->setCurrentText("Light");
+    EXPECT_FALSE(ThemeManager::instance().effectiveDark());
+    EXPECT_EQ(appcfg::themeMode(), 1);
+    press(dialog, "restoreLook");
+    EXPECT_EQ(modes->currentText(), "System");
+    EXPECT_EQ(appcfg::themeMode(), 0);
+}
+
+TEST_F(Preferences, ACancelledQuestionChangesNothing)
+{
+    appcfg::setDefaultWorkFolder("/work here");
+    appcfg::setFfmpegConfigured("/bin/true");
+    PreferencesDialog dialog(answers());
+    for (const char* name : {"accentColor", "secondaryColor", "chooseWorkFolder", "locateFfmpeg"})
+        press(dialog, name);
+    EXPECT_TRUE(appcfg::themeAccent().isEmpty());
+    EXPECT_TRUE(appcfg::themeSectionTitleColor().isEmpty());
+    EXPECT_EQ(appcfg::defaultWorkFolder(), "/work here");
+    EXPECT_EQ(appcfg::ffmpegConfigured(), "/bin/true");
+}
+
+TEST_F(Preferences, AnswersAreStoredEachUnderItsOwnSetting)
+{
+    PreferencesDialog dialog(answers());
+    color = QColor("#804020");
+    press(dialog, "accentColor");
+    color = QColor("#ccbb88");
+    press(dialog, "secondaryColor");
+    folder = own.path("");
+    press(dialog, "chooseWorkFolder");
+    program = "/bin/true";
+    press(dialog, "locateFfmpeg");
+    EXPECT_EQ(appcfg::themeAccent(), "#804020");
+    EXPECT_EQ(appcfg::themeSectionTitleColor(), "#ccbb88");
+    EXPECT_EQ(appcfg::defaultWorkFolder(), folder);
+    EXPECT_EQ(appcfg::ffmpegConfigured(), "/bin/true");
+    EXPECT_EQ(dialog.findChild<QLabel*>("ffmpegPath")->text(), "/bin/true");
+
+    press(dialog, "clearWorkFolder");
+    press(dialog, "autoDetectFfmpeg");
+    EXPECT_TRUE(appcfg::defaultWorkFolder().isEmpty());
+    EXPECT_TRUE(appcfg::ffmpegConfigured().isEmpty());
+    EXPECT_FALSE(dialog.findChild<QPushButton*>("clearWorkFolder")->isEnabled());
+}
+
+TEST_F(Preferences, TheWarningIsWantedWhileItIsNotDismissed)
+{
+    PreferencesDialog dialog(answers());
+    auto* warn = dialog.findChild<QCheckBox*>("warnFfmpeg");
+    EXPECT_TRUE(warn->isChecked());
+    warn->click();
+    EXPECT_TRUE(appcfg::ffmpegWarningDismissed());
+}
+
+TEST_F(Preferences, AToolbarSwitchIsStoredBeforeItIsTold)
+{
+    PreferencesDialog dialog(answers());
+    bool storedFirst = false;
+    QObject::connect(&dialog, &PreferencesDialog::toolbarGroupsChanged, [&] {
+        storedFirst = !appcfg::toolbarGroupShown(appcfg::ToolbarGroup::Export);
+    });
+    for (QCheckBox* box : dialog.findChildren<QCheckBox*>())
+        if (box->text() == "Export")
+            box->click();
+    EXPECT_TRUE(storedFirst);
+    EXPECT_TRUE(appcfg::toolbarGroupShown(appcfg::ToolbarGroup::View));
+}
+
+// A long path is shortened in the dialog; it must not push the buttons off the screen.
+TEST_F(Preferences, ALongPathDoesNotWidenTheDialog)
+{
+    PreferencesDialog narrow(answers());
+    appcfg::setDefaultWorkFolder("/" + QString("folder/").repeated(200));
+    PreferencesDialog dialog(answers());
+    EXPECT_EQ(dialog.sizeHint(), narrow.sizeHint());
+}
