@@ -185,11 +185,11 @@ static void xisflz4_lib(benchmark::State& state)
     decompressOnly(state, "lz4");
 }
 
-BENCHMARK(xisfraw_ours)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisfraw_read)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisfzstd_ours)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisfzstd_lib)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisfzlib_ours)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisfzlib_lib)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisflz4_ours)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(xisflz4_lib)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(xisfraw_ours)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisfraw_read)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisfzstd_ours)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisfzstd_lib)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisfzlib_ours)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisfzlib_lib)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisflz4_ours)->Unit(benchmark::kMillisecond);
+BENCHMARK(xisflz4_lib)->Unit(benchmark::kMillisecond);

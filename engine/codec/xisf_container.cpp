@@ -3,6 +3,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
 
 #include "engine/codec/fail.h"
@@ -17,6 +18,9 @@ static constexpr std::uint64_t kHeaderPosition = 16;
 
 bool XisfContainer::open(const std::string& path, std::string* error)
 {
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(path, ignored)) // opening one waits for somebody to write
+        return fail(error, "cannot open file: " + path);
     // Whole blocks go straight to their destination; a buffer would only add a copy.
     file.rdbuf()->pubsetbuf(nullptr, 0);
     file.open(path, std::ios::binary);

@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "engine/xisf/xisf.h"
 #include "tests/engine/xisf/xisf_bytes.h"
@@ -86,6 +87,17 @@ TEST(XisfFailure, TextsOfTheContainer)
     EXPECT_EQ(messageOf(file), "truncated XISF header.");
     EXPECT_EQ(messageOf(xisfAround("<xisf><Image/></xisf>", {})),
               "no <Image> element in XISF header.");
+}
+
+TEST(XisfFailure, APipeIsRefusedAndNotWaitedFor)
+{
+    const std::string pipe = (scratchFolder() / "pipe.xisf").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Image image;
+    Wcs wcs;
+    std::string error;
+    EXPECT_FALSE(zre::loadXisf(pipe, image, wcs, &error));
+    EXPECT_EQ(error, "cannot open file: " + pipe);
 }
 
 TEST(XisfFailure, TextsOfTheImageElement)
