@@ -17,15 +17,6 @@ namespace zre::fileio {
 namespace {
 
 constexpr std::uint64_t kLargestSample = 8; // bytes
-constexpr int kDitherSeeds = 10000;         // what the standard allows in ZDITHER0
-
-/// What one tile's stream must decode to.
-struct Coding
-{
-    bool gzip = false;
-    int riceBlock = 32;
-    int riceBytes = 4;
-};
 
 template <int Type, class Value>
 std::optional<Value> key(fitsfile* fits, const std::string& name)
@@ -35,37 +26,6 @@ std::optional<Value> key(fitsfile* fits, const std::string& name)
     if (fits_read_key(fits, Type, name.c_str(), &value, nullptr, &status))
         return std::nullopt;
     return value;
-}
-
-std::string textKey(fitsfile* fits, const char* name)
-{
-    std::array<char, FLEN_VALUE> value{};
-    int status = 0;
-    fits_read_key(fits, TSTRING, name, value.data(), nullptr, &status);
-    return status ? std::string() : std::string(value.data());
-}
-
-bool readCoding(fitsfile* fits, Coding& coding, std::string* error)
-{
-    const std::string type = textKey(fits, "ZCMPTYPE");
-    coding.gzip = type == "GZIP_1" || type == "GZIP_2";
-    if (!coding.gzip && type != "RICE_1" && type != "RICE_ONE")
-        return fail(error, "unsupported FITS compression: " + type);
-    const int seed = key<TINT, int>(fits, "ZDITHER0").value_or(1);
-    if (seed < 1 || seed > kDitherSeeds)
-        return fail(error, "bad FITS tile coding.");
-    if (coding.gzip)
-        return true;
-    // cfitsio takes the two by their places, whatever they are called.
-    const std::string first = textKey(fits, "ZNAME1");
-    const std::string second = textKey(fits, "ZNAME2");
-    coding.riceBlock = key<TINT, int>(fits, "ZVAL1").value_or(32);
-    coding.riceBytes = key<TINT, int>(fits, "ZVAL2").value_or(4);
-    const bool named =
-        (first.empty() || first == "BLOCKSIZE") && (second.empty() || second == "BYTEPIX");
-    const bool known = coding.riceBytes == 1 || coding.riceBytes == 2 || coding.riceBytes == 4;
-    return (named && known && coding.riceBlock >= 1 && coding.riceBlock <= 65536) ||
-           fail(error, "bad FITS tile coding.");
 }
 
 /// True when `stream` is one gzip member that ends, with at most `limit` bytes in it.
@@ -93,21 +53,12 @@ bool isWholeGzipStream(std::span<const std::uint8_t> stream, std::uint64_t limit
 class TileGrid
 {
 public:
-    TileGrid(fitsfile* fits, std::span<const LONGLONG> imageSides)
-        : sides(imageSides)
+    explicit TileGrid(const FitsUnit& unit)
+        : sides(unit.sides())
+        , tile(unit.tile)
     {
-        for (std::size_t axis = 0; axis < sides.size(); ++axis)
-            tile.push_back(key<TLONGLONG, LONGLONG>(fits, "ZTILE" + std::to_string(axis + 1))
-                               .value_or(axis == 0 ? sides[0] : 1));
     }
 
-    bool isValid() const
-    {
-        for (std::size_t axis = 0; axis < sides.size(); ++axis)
-            if (tile[axis] < 1 || tile[axis] > sides[axis])
-                return false;
-        return true;
-    }
     /// Below the image's own count, which fits.
     LONGLONG count() const
     {
@@ -121,7 +72,8 @@ public:
         std::uint64_t samples = 1;
         for (std::size_t axis = 0; axis < sides.size(); ++axis) {
             const LONGLONG start = index % along(axis) * tile[axis];
-            samples *= static_cast<std::uint64_t>(std::min(tile[axis], sides[axis] - start));
+            samples *=
+                static_cast<std::uint64_t>(std::min<LONGLONG>(tile[axis], sides[axis] - start));
             index /= along(axis);
         }
         return samples;
@@ -130,8 +82,8 @@ public:
 private:
     LONGLONG along(std::size_t axis) const { return (sides[axis] + tile[axis] - 1) / tile[axis]; }
 
-    std::span<const LONGLONG> sides;
-    std::vector<LONGLONG> tile;
+    std::span<const std::int64_t> sides;
+    std::span<const std::int64_t> tile;
 };
 
 /// The variable-length cells of one column, as bytes of the file.
@@ -192,15 +144,11 @@ private:
 
 } // namespace
 
-bool checkTiles(fitsfile* fits, std::span<const std::uint8_t> file, std::span<const LONGLONG> sides,
+bool checkTiles(fitsfile* fits, std::span<const std::uint8_t> file, const FitsUnit& unit,
                 std::string* error)
 {
-    Coding coding;
-    if (!readCoding(fits, coding, error))
-        return false;
-    const TileGrid grid(fits, sides);
-    if (!grid.isValid())
-        return fail(error, "bad FITS tile size.");
+    const FitsTileCoding& coding = unit.coding;
+    const TileGrid grid(unit);
     const HeapColumn coded(fits, file, "COMPRESSED_DATA");
     const HeapColumn gzipped(fits, file, "GZIP_COMPRESSED_DATA");
     const HeapColumn plain(fits, file, "UNCOMPRESSED_DATA");
