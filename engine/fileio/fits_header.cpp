@@ -59,7 +59,8 @@ bool readCards(std::span<const std::uint8_t> file, FitsUnit& unit)
     std::set<std::string, std::less<>> seen;
     for (std::size_t at = unit.begin; at + kCardBytes <= file.size(); at += kCardBytes) {
         const std::string_view card(reinterpret_cast<const char*>(file.data()) + at, kCardBytes);
-        std::string name(trimmed(card.substr(0, 8)));
+        std::string name(card.substr(0, 8)); // blanks in front make it a comment
+        name.erase(name.find_last_not_of(' ') + 1);
         if (name == "END") {
             const std::size_t records = (at + kCardBytes - unit.begin - 1) / kFitsRecordBytes + 1;
             unit.dataBegin = unit.begin + records * kFitsRecordBytes;
@@ -137,6 +138,29 @@ bool isSampleType(std::int64_t bitpix)
     return std::find(types.begin(), types.end(), bitpix) != types.end();
 }
 
+/// Whether the keywords that the standard puts first stand there in its order. cfitsio goes on with
+/// what it has not read where they do not.
+bool beginsInOrder(std::span<const std::uint8_t> file, const FitsUnit& unit, bool table)
+{
+    std::vector<std::string> order{unit.primary ? "SIMPLE" : "XTENSION", "BITPIX", "NAXIS"};
+    for (int axis = 1; axis <= unit.axes; ++axis)
+        order.push_back("NAXIS" + std::to_string(axis));
+    if (!unit.primary)
+        order.insert(order.end(), {"PCOUNT", "GCOUNT"});
+    if (table)
+        order.emplace_back("TFIELDS");
+    if (unit.begin + order.size() * kCardBytes > std::min(unit.dataBegin, file.size()))
+        return false;
+    const auto* card = reinterpret_cast<const char*>(file.data()) + unit.begin;
+    for (std::string& name : order) {
+        name.resize(8, ' ');
+        if (std::string_view(card, 10) != name + "= ")
+            return false;
+        card += kCardBytes;
+    }
+    return true;
+}
+
 /// Reads the header at `unit.begin` and how far its data go.
 bool readUnit(std::span<const std::uint8_t> file, FitsUnit& unit)
 {
@@ -150,7 +174,11 @@ bool readUnit(std::span<const std::uint8_t> file, FitsUnit& unit)
     unit.bitpix = static_cast<int>(bitpix);
     unit.axes = static_cast<int>(axes);
     unit.compressed = acl::KeywordLookup(unit.cards).text("ZIMAGE") == "T";
-    return measureData(unit, axes);
+    constexpr std::int64_t maxFields = 999; // of the standard
+    const bool table = acl::KeywordLookup(unit.cards).text("XTENSION") == "BINTABLE";
+    const std::int64_t fields = integerOr(unit, "TFIELDS", 0).value_or(-1);
+    return fields >= 0 && fields <= maxFields && beginsInOrder(file, unit, table) &&
+           measureData(unit, axes);
 }
 
 bool isPicture(const FitsUnit& unit)

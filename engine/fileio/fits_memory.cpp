@@ -72,8 +72,15 @@ bool FitsReader::agrees(const FitsUnit& unit)
     fits_movabs_hdu(fits, unit.primary ? 1 : 2, &kind, &status);
     const bool compressed = fits_is_compressed_image(fits, &status) != 0;
     fits_get_img_paramll(fits, kMaxFitsAxes, &bitpix, &axes, side.data(), &status);
-    return status == 0 && compressed == unit.compressed && bitpix == unit.bitpix &&
-           axes == unit.axes && std::equal(side.begin(), side.begin() + axes, unit.side.begin());
+    LONGLONG dataBegin = 0;
+    LONGLONG dataEnd = 0;
+    fits_get_hduaddrll(fits, nullptr, &dataBegin, &dataEnd, &status);
+    const std::size_t dataBytes = size - static_cast<std::size_t>(dataBegin);
+    const std::size_t ours = unit.end - unit.dataBegin;
+    return status == 0 && dataBytes >= ours && dataBytes - ours < kFitsRecordBytes &&
+           dataEnd == static_cast<LONGLONG>(size) && compressed == unit.compressed &&
+           bitpix == unit.bitpix && axes == unit.axes &&
+           std::equal(side.begin(), side.begin() + axes, unit.side.begin());
 }
 
 std::string fitsMessage(int status)

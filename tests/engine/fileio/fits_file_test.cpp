@@ -507,8 +507,12 @@ TEST(FitsDamage, TilesThatWouldMisleadTheDecoderAreRefused)
          {std::pair{"ZTILE1", "0"}, std::pair{"ZTILE2", "-1"}, std::pair{"ZTILE1", "41"},
           std::pair{"ZNAXIS1", "2000000000"}, std::pair{"ZNAXIS", "999"}, std::pair{"ZVAL1", "0"},
           std::pair{"ZVAL2", "3"}, std::pair{"ZBITPIX", "7"}, std::pair{"PCOUNT", "99999999"},
-          std::pair{"ZCMPTYPE", "'ZSTD'"}})
+          std::pair{"ZCMPTYPE", "'ZSTD'"}, std::pair{"TFIELDS", "-1"}})
         EXPECT_FALSE(refusal(changedCard(rice, name, value)).empty()) << name << " " << value;
+    Bytes disordered = rice;
+    const std::string name = "PCOUNT  =";
+    *std::search(disordered.begin(), disordered.end(), name.begin(), name.end()) = 'Q';
+    EXPECT_EQ(refusal(disordered), "bad FITS header.");
 }
 
 std::vector<Bytes> smallFiles()
