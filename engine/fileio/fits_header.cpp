@@ -43,9 +43,10 @@ std::size_t valueLength(std::string_view text)
 /// Keywords that give the structure of a unit: a second one would leave open which counts.
 bool isStructural(std::string_view name)
 {
-    constexpr std::array<std::string_view, 15> roots{
-        "XTENSION", "BITPIX",  "NAXIS",  "PCOUNT", "GCOUNT", "TFIELDS",  "THEAP", "ZIMAGE",
-        "ZCMPTYPE", "ZBITPIX", "ZNAXIS", "ZTILE",  "ZNAME",  "ZDITHER0", "ZVAL"};
+    constexpr std::array<std::string_view, 17> roots{
+        "XTENSION", "BITPIX",   "NAXIS",    "PCOUNT",  "GCOUNT", "TFIELDS",
+        "THEAP",    "ZIMAGE",   "ZCMPTYPE", "ZBITPIX", "ZNAXIS", "ZTILE",
+        "ZNAME",    "ZDITHER0", "ZVAL",     "TTYPE",   "TFORM"};
     const std::size_t root = std::min(name.find_last_not_of("0123456789"), name.size() - 1) + 1;
     const auto is = [&](std::string_view text) {
         return std::find(roots.begin(), roots.end(), text) != roots.end();

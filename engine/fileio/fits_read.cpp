@@ -66,9 +66,10 @@ const char* storedName(int bitpix, const Scaling& scaling)
 {
     if (bitpix < 0)
         return bitpix == FLOAT_IMG ? "Float32" : "Float64";
-    const IntegerType* exact = integerType(bitpix, scaling);
-    const IntegerType* plain = integerType(bitpix, {});
-    return exact ? exact->name : plain->name;
+    const IntegerType* type = integerType(bitpix, scaling);
+    if (!type)
+        type = integerType(bitpix, {});
+    return type ? type->name : "";
 }
 
 Scaling readScaling(const FitsUnit& unit)

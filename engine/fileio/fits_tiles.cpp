@@ -95,31 +95,31 @@ public:
         , file(wholeFile)
     {
         int status = 0;
-        int found = 0;
         std::string title(name); // cfitsio takes it as not const
-        if (fits_get_colnum(fits, CASEINSEN, title.data(), &found, &status))
-            return;
+        fits_get_colnum(fits, CASEINSEN, title.data(), &column, &status);
+        present = status != COL_NOT_FOUND;
         LONGLONG dataStart = 0;
+        int type = 0;
+        fits_get_coltypell(fits, column, &type, nullptr, nullptr, &status);
         fits_get_hduaddrll(fits, nullptr, &dataStart, nullptr, &status);
         const LONGLONG rowBytes = key<TLONGLONG, LONGLONG>(fits, "NAXIS1").value_or(0);
         const LONGLONG rows = key<TLONGLONG, LONGLONG>(fits, "NAXIS2").value_or(0);
-        int type = 0;
-        fits_get_coltypell(fits, found, &type, nullptr, nullptr, &status);
-        if (status || type >= 0 || rowBytes < 0 || rows < 0 ||
-            rowBytes > static_cast<LONGLONG>(file.size()) ||
-            rows > static_cast<LONGLONG>(file.size()))
-            return;
         const LONGLONG heap = key<TLONGLONG, LONGLONG>(fits, "THEAP").value_or(rowBytes * rows);
-        elementBytes = type == -TBYTE ? 1 : type == -TSHORT ? 2 : type == -TDOUBLE ? 8 : 4;
-        heapStart = heap < 0 || heap > static_cast<LONGLONG>(file.size()) ? -1 : dataStart + heap;
-        column = found;
+        // A second column of the name, or one of another kind, leaves the column unsound.
+        if (status || type >= 0 || heap < 0 || heap > static_cast<LONGLONG>(file.size()))
+            return;
+        elementBytes = type == -TBYTE                           ? 1
+                       : type == -TSHORT                        ? 2
+                       : type == -TDOUBLE || type == -TLONGLONG ? 8
+                                                                : 4;
+        heapStart = dataStart + heap;
     }
 
     /// The cell of `row`, counted from 1; none when it lies outside the file, empty when the column
     /// is absent.
     std::optional<std::span<const std::uint8_t>> cell(LONGLONG row) const
     {
-        if (column == 0)
+        if (!present)
             return std::span<const std::uint8_t>();
         LONGLONG length = 0;
         LONGLONG offset = 0;
@@ -137,6 +137,7 @@ public:
 private:
     fitsfile* fits;
     std::span<const std::uint8_t> file;
+    bool present = false;
     int column = 0;
     int elementBytes = 1;
     LONGLONG heapStart = -1;

@@ -17,7 +17,7 @@ using fileio::fail;
 
 // A plain TIFF addresses 4 GiB; deflate may add a little to what cannot be compressed.
 constexpr std::uint64_t kBigTiffAbove = 4'000'000'000;
-constexpr std::uint64_t kStripBytes = 256 * 1024;
+constexpr std::uint64_t kStripBytes = std::uint64_t{1} << 18;
 constexpr int kDeflateLevel = 4; // level 6 takes four times as long and saves 5 % at most
 
 int planesOf(const Image& image)
