@@ -47,16 +47,16 @@ constexpr int kKeptBytes = 1 << 30;
     return mallopt(M_MMAP_THRESHOLD, kKeptBytes) == 1 && mallopt(M_TRIM_THRESHOLD, kKeptBytes) == 1;
 }();
 
-/// Asks for huge pages on the part of a block that can hold them. Whether the system grants them
-/// changes nothing but speed, so its answer does not matter; `errno` stays the caller's.
+/// Asks for huge pages on the part of a block that can hold them; `size` is at least
+/// `kLargeBlock`, so there is one. Whether the system grants them changes nothing but speed, so its
+/// answer does not matter; `errno` stays the caller's.
 void adviseHugePages(void* block, std::size_t size)
 {
     const int savedErrno = errno;
-    const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(block);
-    const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
-    const std::uintptr_t end = (begin + size) / kHugePage * kHugePage;
-    if (first < end)
-        madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    const std::size_t before = reinterpret_cast<std::uintptr_t>(block) % kHugePage;
+    const std::size_t skipped = before > 0 ? kHugePage - before : 0;
+    const std::size_t length = (size - skipped) / kHugePage * kHugePage;
+    madvise(static_cast<char*>(block) + skipped, length, MADV_HUGEPAGE);
     errno = savedErrno;
 }
 

@@ -86,13 +86,11 @@ void guidedFilter(const Image& guide, Image& target, double sigma, float eps,
     if (!guide.usable() || !target.usable() || !std::isfinite(static_cast<float>(sigma)) ||
         !std::isfinite(eps))
         return;
-    if (&guide == &target) {
-        const Image unchanged = guide;
-        guidedFilter(unchanged, target, sigma, eps, progress);
-        return;
-    }
     const std::size_t count = target.pixelCount();
-    const float* const i = guide.plane(0);
+    std::vector<float> ownGuide; // a target that guides itself is read after it has changed
+    if (&guide == &target)
+        ownGuide.assign(guide.plane(0), guide.plane(0) + count);
+    const float* const i = ownGuide.empty() ? guide.plane(0) : ownGuide.data();
     float* const p = target.plane(0);
     StagedMeans means(target, sigma, progress);
 
