@@ -82,6 +82,27 @@ TEST(Lightness, OfColoursStaysWithinItsTolerance)
     }
 }
 
+TEST(Lightness, OfChannelsThatCancelStaysWithinItsTolerance)
+{
+    // Blue is so far below 0 that the luminance of a bright red and green ends near black, where
+    // an error of theirs would show most.
+    Image src = zrtest::noise(997, 101, 1, 34);
+    for (std::size_t i = 0; i < src.pixelCount(); ++i) {
+        const float red = src.plane(0)[i] = 0.3f + 2.0f * src.plane(0)[i];
+        const float green = src.plane(1)[i] = 0.3f + 2.0f * src.plane(1)[i];
+        const double wanted = 0.03 * static_cast<double>(src.plane(2)[i]);
+        src.plane(2)[i] =
+            static_cast<float>((wanted - naive::luminance(red, green, 0.0f)) / 0.0722 * 12.92);
+    }
+    Image dst;
+    zre::getLightness(src, dst);
+    for (std::size_t i = 0; i < src.pixelCount(); ++i) {
+        const double expected =
+            naive::lightness(naive::luminance(src.plane(0)[i], src.plane(1)[i], src.plane(2)[i]));
+        ASSERT_NEAR(static_cast<double>(dst.data[i]), expected, kTolerance) << "at " << i;
+    }
+}
+
 TEST(Lightness, OfOddSamplesFollowsTheDefinition)
 {
     const float infinity = std::numeric_limits<float>::infinity();
