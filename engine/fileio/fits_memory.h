@@ -32,7 +32,7 @@ public:
     {
         return {static_cast<const std::uint8_t*>(base), size};
     }
-    int status = 0; ///< cfitsio's; each call does nothing once it is set
+    int status = 0; ///< cfitsio's
 
 private:
     void placeAlone(std::span<const std::uint8_t> file, const FitsUnit& unit);

@@ -82,7 +82,9 @@ bool readPlanes(FitsReader& file, const FitsUnit& unit, Image& image, std::strin
 {
     image =
         Image(static_cast<int>(unit.side[0]), static_cast<int>(unit.side[1]), unit.channels() == 3);
-    for (int c = 0; c < image.channels; ++c) {
+    // A failed read must be the last: with the status set, cfitsio's tile decoder goes on with what
+    // it has not read.
+    for (int c = 0; c < image.channels && file.status == 0; ++c) {
         std::array<LONGLONG, fileio::kMaxFitsAxes> first{1, 1, c + 1, 1, 1, 1};
         float blank = std::numeric_limits<float>::quiet_NaN();
         int anyBlank = 0;
