@@ -79,7 +79,7 @@ std::variant<Invocation, QString> Parser::parse()
         else
             takeWord(argument);
     }
-    if (error.isEmpty() && !result.has(Option::Help))
+    if (error.isEmpty() && !result.has(Option::Help) && !result.has(Option::Version))
         checkComplete();
     if (!error.isEmpty())
         return error;
@@ -184,16 +184,17 @@ void Parser::takeCommand(const QString& word)
 void Parser::checkComplete()
 {
     if (!result.command) {
-        if (!result.has(Option::Version) && !result.has(Option::Man) &&
-            !result.has(Option::Completion))
+        if (!result.has(Option::Man) && !result.has(Option::Completion))
             error = QStringLiteral("no command is given") + see();
         return;
     }
-    if (result.command->operand && result.operand.isEmpty())
+    if (result.command->operand && result.operand.isEmpty()) {
         error =
             QStringLiteral("%1 needs a file to read, %2")
                 .arg(QLatin1String(result.command->name), QLatin1String(result.command->operand)) +
             see();
+        return;
+    }
     for (const OptionSpec* option : optionsOf(bit(), false))
         if (option->required && result.value(option->id).isEmpty())
             error = QStringLiteral("%1 needs --%2 %3")

@@ -28,7 +28,7 @@ struct Invocation
 /// Reads the arguments after the program's name: a command, its operand and options in any order,
 /// values as "--name value", "--name=value", "-o value" or "-ovalue", and operands alone after
 /// "--". Otherwise the message of what does not fit, naming the nearest word that would. With
-/// `Option::Help` present nothing is required.
+/// `Option::Help` or `Option::Version` present nothing is required.
 std::variant<Invocation, QString> parseCommandLine(const QStringList& arguments);
 
 /// The options that `bit` takes, in the order of the table; hidden ones only when asked for.

@@ -166,7 +166,7 @@ inline constexpr std::array kOptions{
                "print neither progress nor warnings nor what was written"},
     OptionSpec{Option::Help, 'h', "help", nullptr, Completes::Nothing, kAnyValue, false, false, kAnyCommand | kNoCommand,
                "print help and end"},
-    OptionSpec{Option::Version, 0, "version", nullptr, Completes::Nothing, kAnyValue, false, false, kNoCommand,
+    OptionSpec{Option::Version, 0, "version", nullptr, Completes::Nothing, kAnyValue, false, false, kAnyCommand | kNoCommand,
                "print the version and end"},
     OptionSpec{Option::Man, 0, "man", nullptr, Completes::Nothing, kAnyValue, false, false, kNoCommand, nullptr},
     OptionSpec{Option::Completion, 0, "completion", "SHELL", Completes::Choices, kShells, false, false, kNoCommand, nullptr},

@@ -9,6 +9,17 @@ namespace zrrender {
 
 static constexpr const char* kProgram = "zerrith-render: ";
 
+/// Names and texts of files may hold what would steer a terminal.
+static std::string oneLine(QString text)
+{
+    for (QChar& letter : text)
+        if (letter == QLatin1Char('\n'))
+            letter = QLatin1Char(' ');
+        else if (letter.category() == QChar::Other_Control)
+            letter = QLatin1Char('?');
+    return text.toStdString();
+}
+
 Console::Console(std::ostream& results, std::ostream& complaints, bool onTerminal)
     : out(results)
     , err(complaints)
@@ -58,7 +69,7 @@ void Console::warn(const QString& text)
     if (quiet)
         return;
     clearBar();
-    err << kProgram << text.toStdString() << std::endl;
+    err << kProgram << oneLine(text) << std::endl;
 }
 
 void Console::made(const QString& line, const QJsonObject& object)
@@ -86,11 +97,9 @@ void Console::answer(const QJsonObject& object)
 void Console::failed(int code, const QString& message)
 {
     clearBar();
-    QString line = message;
-    line.replace(QLatin1Char('\n'), QLatin1Char(' '));
     if (asJson)
         printObject({{"event", "error"}, {"code", code}, {"message", message}});
-    err << kProgram << line.toStdString() << std::endl;
+    err << kProgram << oneLine(message) << std::endl;
 }
 
 void Console::printObject(const QJsonObject& object)

@@ -252,7 +252,8 @@ _zerrith_render_files()
 _zerrith_render_parameters()
 {
     compopt -o nospace 2>/dev/null
-    COMPREPLY=($(compgen -S = -W "$(zerrith-render params --text | cut -d= -f1)" -- "$word"))
+    local names=$("${COMP_WORDS[0]}" params --text 2>/dev/null | cut -d= -f1)
+    COMPREPLY=($(compgen -S = -W "$names" -- "$word"))
 }
 
 _zerrith_render()
@@ -260,6 +261,12 @@ _zerrith_render()
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local command= options='%1' operands= i
     COMPREPLY=()
+    # bash makes a word of its own of the = in --name=value
+    if [[ $word == = ]]; then
+        word=
+    elif [[ $previous == = && COMP_CWORD -gt 1 ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
         %2) command=${COMP_WORDS[i]}; break ;;

@@ -8,6 +8,7 @@
 
 #include <QGuiApplication>
 #include <QImageReader>
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -33,6 +34,15 @@ static bool readerIsGone()
     return poll(&output, 1, 0) == 1 && (output.revents & POLLERR);
 }
 
+/// A standard stream that the process was started without would lend its number to the next file
+/// that is opened, and what is printed would go there. Opened the wrong way round it fails instead.
+static void occupyStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 static Outcome runAlone(const Invocation& invocation, Console& console)
 {
     if (invocation.has(Option::Help))
@@ -49,7 +59,7 @@ static Outcome runAlone(const Invocation& invocation, Console& console)
 static Outcome runInvocation(const Invocation& invocation, RunContext& context)
 {
     context.console.setMode(invocation.has(Option::Json), invocation.has(Option::Quiet));
-    if (!invocation.command || invocation.has(Option::Help))
+    if (!invocation.command || invocation.has(Option::Help) || invocation.has(Option::Version))
         return runAlone(invocation, context.console);
     try {
         return invocation.command->body(invocation, context);
@@ -86,6 +96,7 @@ int runCommandLine(const QStringList& arguments, Console& console, StagedOutputs
 
 int runProgram(int argc, char** argv)
 {
+    occupyStandardStreams();
     StagedOutputs outputs;
     const InterruptWatch watch([&] { outputs.abandon(); });
     std::signal(SIGPIPE,

@@ -4,12 +4,14 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringDecoder>
 
 #include "app/persist/param_table.h"
 #include "app/persist/param_text.h"
 #include "app/session/open_document.h"
 #include "app/session/render_pipeline.h"
 #include "engine/params/param_ranges.h"
+#include "tools/render/nearest.h"
 
 namespace zrrender {
 
@@ -49,6 +51,45 @@ Outcome checkRanges(const QString& path, const zre::ZRParams& params)
     return Outcome::done();
 }
 
+bool readsAsItsKind(const zrproj::ParamKey& row, const QString& value)
+{
+    bool ok = true;
+    if (std::holds_alternative<float zre::ZRParams::*>(row.field))
+        value.toDouble(&ok);
+    else if (std::holds_alternative<int zre::ZRParams::*>(row.field) ||
+             std::holds_alternative<bool zre::ZRParams::*>(row.field) ||
+             std::holds_alternative<zrproj::OutputView>(row.field))
+        value.toInt(&ok);
+    return ok;
+}
+
+/// The parameter text reads a bad number as 0, which nobody means who wrote "1,5".
+Outcome checkNumbers(const QString& path, const QString& text)
+{
+    for (const QString& line : text.split(QLatin1Char('\n'))) {
+        const QString trimmed = line.trimmed();
+        const QString key = trimmed.section(QLatin1Char('='), 0, 0);
+        const zrproj::ParamKey* row = zrproj::findParamKey(key);
+        const QString value = trimmed.mid(key.size() + 1);
+        if (row && key.size() < trimmed.size() && !readsAsItsKind(*row, value))
+            return Outcome::usage(
+                QStringLiteral("%1: %2 = %3 is not a number").arg(path, key, value));
+    }
+    return Outcome::done();
+}
+
+void warnOfUnknownKeys(const QString& path, const QList<QString>& lines, Console& console)
+{
+    QStringList known;
+    for (const zrproj::ParamInfo& info : zrproj::parameterList())
+        known << info.name;
+    for (const QString& line : lines) {
+        const QString key = line.section(QLatin1Char('='), 0, 0);
+        console.warn(QStringLiteral("%1: ignored the unknown key %2").arg(path, key) +
+                     suggestion(key, known));
+    }
+}
+
 Outcome readParameterFile(const QString& path, Session& session, Console& console)
 {
     QFile file(path);
@@ -59,13 +100,15 @@ Outcome readParameterFile(const QString& path, Session& session, Console& consol
         return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
     if (bytes.size() > kLargestParameterFile)
         return Outcome::failed(QStringLiteral("%1 is too large for a parameter file").arg(path));
+    QStringDecoder decode(QStringDecoder::Utf8);
+    const QString text = decode(bytes);
+    if (decode.hasError() || bytes.contains('\0'))
+        return Outcome::failed(QStringLiteral("%1 is not a text of key=value lines").arg(path));
     QList<QString> unknownLines;
-    zrproj::paramsFromText(QString::fromUtf8(bytes), session.params, session.outputMode,
-                           unknownLines);
-    for (const QString& line : unknownLines)
-        console.warn(QStringLiteral("%1: ignored the unknown key %2")
-                         .arg(path, line.section(QLatin1Char('='), 0, 0)));
-    return checkRanges(path, session.params);
+    zrproj::paramsFromText(text, session.params, session.outputMode, unknownLines);
+    warnOfUnknownKeys(path, unknownLines, console);
+    const Outcome outcome = checkNumbers(path, text);
+    return outcome.isDone() ? checkRanges(path, session.params) : outcome;
 }
 
 /// A map that is named is meant to count, though the parameters leave it out by default.

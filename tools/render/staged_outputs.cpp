@@ -6,6 +6,8 @@
 #include <system_error>
 
 #include <QFile>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -81,36 +83,87 @@ std::optional<fs::path> StagedOutputs::hiddenFolderIn(const fs::path& folder, QS
     return fs::path(name);
 }
 
+static fs::path folderOf(const fs::path& file)
+{
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
+/// The file that `destination` means, links followed; nothing with a message where none can be.
+static std::optional<fs::path> writableTarget(const QString& destination, QString* error)
+{
+    const fs::path named = toPath(destination);
+    fs::path target = named;
+    std::error_code code;
+    if (fs::is_symlink(named, code))
+        target = fs::weakly_canonical(named, code);
+    if (!code && fs::is_directory(target, code))
+        code = std::make_error_code(std::errc::is_a_directory);
+    else if (!code && fs::exists(target, code) && !fs::is_regular_file(target, code))
+        code = std::make_error_code(std::errc::not_supported);
+    if (code && code != std::errc::no_such_file_or_directory) {
+        fail(error, QStringLiteral("cannot write"), named, code);
+        return std::nullopt;
+    }
+    if (access(folderOf(target).c_str(), W_OK | X_OK) != 0) {
+        fail(error, QStringLiteral("cannot write in the folder"), folderOf(target),
+             std::error_code(errno, std::generic_category()));
+        return std::nullopt;
+    }
+    return target;
+}
+
+bool StagedOutputs::isWritable(const QString& destination, QString* error)
+{
+    return writableTarget(destination, error).has_value();
+}
+
 std::optional<QString> StagedOutputs::stage(const QString& destination, QString* error)
 {
     const std::lock_guard lock(mutex);
-    std::error_code code;
-    fs::path target = toPath(destination);
-    if (fs::is_symlink(target, code))
-        target = fs::weakly_canonical(target, code);
-    if (fs::exists(target, code) && !fs::is_regular_file(target, code)) {
-        fail(error, QStringLiteral("cannot write"), target,
-             std::make_error_code(std::errc::not_supported));
+    const std::optional<fs::path> target = writableTarget(destination, error);
+    if (!target)
         return std::nullopt;
+    std::error_code code;
+    const fs::path identity = fs::weakly_canonical(*target, code);
+    for (const File& file : files) {
+        if (file.identity == identity) {
+            if (error)
+                *error = QStringLiteral("%1 is named for two outputs of this run").arg(destination);
+            return std::nullopt;
+        }
     }
-    const fs::path parent = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    const std::optional<fs::path> folder = hiddenFolderIn(parent, error);
+    const std::optional<fs::path> folder = hiddenFolderIn(folderOf(*target), error);
     if (!folder)
         return std::nullopt;
-    files.emplace_back(*folder / target.filename(), target);
-    return toText(files.back().first);
+    files.push_back({*folder / target->filename(), *target, identity});
+    return toText(files.back().staged);
 }
 
-bool StagedOutputs::commit(QString* error)
+/// Never over a file that somebody else puts there at the same moment.
+static void moveToFreePlace(const fs::path& from, const fs::path& to, std::error_code& code)
+{
+    code.clear();
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return;
+    if (errno == EINVAL || errno == ENOSYS) // the file system knows links instead
+        fs::create_hard_link(from, to, code);
+    else
+        code = std::error_code(errno, std::generic_category());
+}
+
+bool StagedOutputs::commit(QString* error, Existing existing)
 {
     const std::lock_guard lock(mutex);
     std::vector<fs::path> added;
     std::error_code code;
     if (closed)
         return false; // whoever abandoned them knows why
-    for (const auto& [staged, destination] : files) {
+    for (const auto& [staged, destination, identity] : files) {
         const bool isNew = !fs::exists(destination, code);
-        fs::rename(staged, destination, code);
+        if (existing == Existing::Kept)
+            moveToFreePlace(staged, destination, code);
+        else
+            fs::rename(staged, destination, code);
         if (code) {
             const std::error_code why = code;
             for (const fs::path& path : added)

@@ -4,7 +4,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include <QString>
@@ -27,13 +26,25 @@ public:
     /// Makes `folder` with its missing parents; what was made goes again when the run is abandoned.
     bool makeFolder(const QString& folder, QString* error);
 
+    /// Whether a file can be written as `destination`, as far as can be told beforehand: long work
+    /// need not be done for nothing. Otherwise the message is in `error`.
+    static bool isWritable(const QString& destination, QString* error);
+
     /// Where to write the file meant for `destination` (same name, same suffix); a link is followed
-    /// to the file it names. Nothing with a message in `error` when the folder cannot be written.
+    /// to the file it names. Nothing with a message in `error` when the folder cannot be written or
+    /// the same file is staged already.
     std::optional<QString> stage(const QString& destination, QString* error);
+
+    /// What becomes of files that stand where staged ones belong.
+    enum class Existing
+    {
+        Replaced,
+        Kept ///< and the commit fails: another run was first
+    };
 
     /// Moves every staged file into place. On failure no new file stays, and the message is in
     /// `error` (none after `abandon`).
-    bool commit(QString* error);
+    bool commit(QString* error, Existing existing = Existing::Replaced);
 
     /// Removes everything that was not committed, for good: nothing can be staged or committed
     /// afterwards. False when that had been done before.
@@ -42,13 +53,20 @@ public:
 private:
     using Path = std::filesystem::path;
 
+    struct File
+    {
+        Path staged;
+        Path destination;
+        Path identity; ///< the destination without links and dots
+    };
+
     std::optional<Path> hiddenFolderIn(const Path& folder, QString* error);
     void removeHiddenFolders();
 
     std::mutex mutex;
     bool closed = false;
     std::map<Path, Path> hiddenFolders; ///< by the folder they stand in
-    std::vector<std::pair<Path, Path>> files;
+    std::vector<File> files;
     std::vector<Path> madeFolders; ///< outermost first
 };
 

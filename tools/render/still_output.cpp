@@ -14,8 +14,10 @@ Outcome checkStillPath(const QString& path, const QString& bits)
         return Outcome::usage(
             QStringLiteral("%1 has no suffix that can be written (.xisf, .fits, .tif, .png, .jpg)")
                 .arg(path));
-    if (bits.isEmpty() || depths.contains(bits.toInt()))
-        return Outcome::done();
+    if (bits.isEmpty() || depths.contains(bits.toInt())) {
+        QString error;
+        return StagedOutputs::isWritable(path, &error) ? Outcome::done() : Outcome::failed(error);
+    }
     QStringList texts;
     for (const int depth : depths)
         texts << QString::number(depth);

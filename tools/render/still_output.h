@@ -10,7 +10,8 @@
 
 namespace zrrender {
 
-/// Refuses a path whose suffix cannot be written, or not with `bits` ("8", "16", "32" or empty).
+/// Refuses a path whose suffix cannot be written, or not with `bits` ("8", "16", "32" or empty),
+/// and one where no file can be written.
 Outcome checkStillPath(const QString& path, const QString& bits);
 
 /// Writes `image` where `path` is staged; `bits` as above. The solution may be null.

@@ -53,7 +53,8 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
             return outcome;
     }
     QString error;
-    return context.outputs.commit(&error) ? Outcome::done() : Outcome::failed(error);
+    return context.outputs.commit(&error, StagedOutputs::Existing::Kept) ? Outcome::done()
+                                                                         : Outcome::failed(error);
 }
 
 Outcome runWiggle(const Invocation& invocation, RunContext& context)

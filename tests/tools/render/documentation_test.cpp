@@ -100,6 +100,10 @@ TEST(Completion, OffersValuesWhereTheyAreKnown)
         GTEST_SKIP() << "bash is not installed";
     EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--view", "s"}),
                 ElementsAreArray({"source", "sbs"}));
+    EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--view", "=", "s"}),
+                ElementsAreArray({"source", "sbs"}));
+    EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--stretch", "="}),
+                ElementsAreArray({"auto", "none"}));
     EXPECT_THAT(offered({"zerrith-render", "wiggle", "--bits", ""}), ElementsAreArray({"8", "16"}));
     EXPECT_THAT(offered({"zerrith-render", "wiggle", "a.png", "--set", "wiggleF"}),
                 ElementsAreArray({"wiggleFrames=", "wiggleFps="}));

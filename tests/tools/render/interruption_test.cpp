@@ -107,6 +107,19 @@ TEST_F(ProgramFile, TellsOfAnOutputThatIsFull)
     EXPECT_THAT(ended.errors, HasSubstr("standard output"));
 }
 
+TEST_F(ProgramFile, CanBeInterruptedThoughStartedWithoutAnOutput)
+{
+    // What is printed must not reach a descriptor of the program's own that took the free number.
+    const std::string script = std::string(ZR_RENDER_PROGRAM) + " wiggle " + at("in.png") +
+                               " -o a --set wiggleFrames=120 --json >&- & p=$!\n"
+                               "while kill -0 $p && [ -z \"$(ls -A a 2>/dev/null)\" ]; do :; done\n"
+                               "kill -TERM $p; wait $p; echo $?";
+    const Ended ended =
+        zrtest::runProgramFile("/bin/sh", {"-c", "cd " + folder.string() + "\n" + script});
+    EXPECT_EQ(ended.output, "130\n") << ended.errors;
+    EXPECT_THAT(listing(folder), ElementsAre("in.png"));
+}
+
 /// A folder with a locale whose decimals are commas, made where the system has none; empty when
 /// that cannot be done.
 std::string commaLocales(const fs::path& folder)

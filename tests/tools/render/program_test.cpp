@@ -157,6 +157,15 @@ TEST_F(Program, LaterParametersOverrideEarlierOnes)
         zrtest::imagesNear(opened("o.xisf").source, view(1, "depthGamma=3\nsmoothness=1.5"), 0));
 }
 
+TEST_F(Program, UnknownKeysOfAFileNameTheNearestAndDoNotSteerTheTerminal)
+{
+    std::ofstream(folder / "p.txt") << "paralaxAmount=3\na\x1b[2J=1\n";
+    const Spoken ended = run("still @in.tif -o @o.xisf --params @p.txt");
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_THAT(ended.err, HasSubstr("paralaxAmount; did you mean parallaxAmount?"));
+    EXPECT_EQ(ended.err.find('\x1b'), std::string::npos);
+}
+
 TEST_F(Program, NamedDepthMapCountsUnlessToldOtherwise)
 {
     zre::Image map = zrtest::noise(36, 24, 0, 77);
@@ -183,6 +192,9 @@ struct Refusal
 TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
 {
     std::ofstream(folder / "p.txt") << "wiggleFrames=2000000000\n";
+    std::ofstream(folder / "comma.txt") << "depthGamma=1\nparallaxAmount=1,5\n";
+    std::ofstream(folder / "word.txt") << "invertDepth=true\n";
+    std::ofstream(folder / "bytes.txt") << "\xff\x1b=1\n";
     std::ofstream(folder / "view.txt") << "outputMode=5\n";
     std::ofstream(folder / "broken.xisf") << "XISF0100";
     fs::create_directory(folder / "full");
@@ -198,6 +210,12 @@ TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
         {"still @in.tif -o @o.png --set parallaxAmount", 2, "KEY=VALUE"},
         {"still @in.tif -o @o.png --set =3", 2, "KEY=VALUE"},
         {"still @in.tif -o @o.png --params @view.txt", 2, "--view"},
+        {"still @in.tif -o @o.png --params @comma.txt", 2, "parallaxAmount = 1,5 is not a number"},
+        {"still @in.tif -o @o.png --params @word.txt", 2, "invertDepth = true is not a number"},
+        {"still @in.tif -o @o.png --params @bytes.txt", 1, "not a text"},
+        {"still @absent.tif -o @absent/o.png", 1, "absent: No such"}, // before any work is done
+        {"still", 2, "needs a file to read"},
+        {"demo-scene -o @depth.xisf --truth @. --size 32x32", 1, "two outputs"},
         {"still @in.tif -o @o.png --params @absent.txt", 1, "absent.txt"},
         {"still @absent.tif -o @o.png", 1, "absent.tif"},
         {"still @broken.xisf -o @o.png", 1, "broken.xisf"},

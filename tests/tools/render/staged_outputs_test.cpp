@@ -114,6 +114,39 @@ TEST_F(Staging, CommitThatFailsHalfwayTakesItsNewFilesBack)
     EXPECT_THAT(listing(folder), ElementsAre("second.txt"));
 }
 
+TEST_F(Staging, OneFileForTwoOutputsIsRefusedUnderWhateverName)
+{
+    write(folder / "x.txt", "old");
+    fs::create_symlink("x.txt", folder / "link.txt");
+    StagedOutputs outputs;
+    writeStaged(outputs, "x.txt", "new");
+    for (const char* name : {"x.txt", "./x.txt", "link.txt"}) {
+        QString error;
+        EXPECT_FALSE(outputs.stage(at(name), &error)) << name;
+        EXPECT_TRUE(error.contains(name)) << error.toStdString();
+    }
+    outputs.abandon();
+    EXPECT_EQ(read(folder / "x.txt"), "old");
+}
+
+TEST_F(Staging, TheSecondOfTwoRunsMixesNothingIntoTheFirst)
+{
+    StagedOutputs first;
+    StagedOutputs second;
+    for (StagedOutputs* run : {&first, &second}) {
+        ASSERT_TRUE(run->makeFolder(at("frames"), nullptr));
+        writeStaged(*run, "frames/0.txt", run == &first ? "first" : "second");
+    }
+    writeStaged(second, "frames/1.txt", "second");
+    ASSERT_TRUE(first.commit(nullptr, StagedOutputs::Existing::Kept));
+    QString error;
+    EXPECT_FALSE(second.commit(&error, StagedOutputs::Existing::Kept));
+    EXPECT_TRUE(error.contains("0.txt")) << error.toStdString();
+    second.abandon();
+    EXPECT_THAT(listing(folder), ElementsAre("frames", "frames/0.txt"));
+    EXPECT_EQ(read(folder / "frames/0.txt"), "first");
+}
+
 TEST_F(Staging, FollowsALinkToTheFileItNames)
 {
     fs::create_directory(folder / "elsewhere");
@@ -135,6 +168,10 @@ TEST_F(Staging, RefusesWhatIsNoFileAndFoldersThatAreNotThere)
     EXPECT_TRUE(error.contains("sub.png"));
     EXPECT_FALSE(outputs.stage(at("missing/x.png"), &error));
     EXPECT_TRUE(error.contains("missing"));
+    fs::create_symlink("circle.png", folder / "circle.png");
+    EXPECT_FALSE(outputs.stage(at("circle.png"), &error));
+    EXPECT_TRUE(error.contains("circle.png"));
+    EXPECT_THAT(listing(folder), ElementsAre("circle.png", "sub.png"));
     write(folder / "file", "");
     EXPECT_FALSE(outputs.makeFolder(at("file/below"), &error));
     EXPECT_TRUE(error.contains("below"));
