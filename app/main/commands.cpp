@@ -16,9 +16,13 @@ struct Command
 
 constexpr std::array kCommands{
     Command{"--selftest-wcsbuild", 1, diag::wcsBuild},
+    Command{"--selftest-recent", 0, diag::recentFiles},
     Command{"--selftest-warpcomb", 0, diag::warpComb},
+    Command{"--selftest-fonts", 0, diag::fonts},
     Command{"--selftest-imageload", 1, diag::imageLoad},
     Command{"--selftest-depthres", 0, diag::depthResolution},
+    Command{"--selftest-splash", 1, diag::splash},
+    Command{"--selftest-icons", 1, diag::icons},
     Command{"--selftest-ranges", 1, diag::ranges},
 };
 

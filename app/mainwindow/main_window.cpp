@@ -9,11 +9,13 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
-#include <QToolBar>
 
 #include "app/mainwindow/empty_state.h"
 #include "app/mainwindow/help_text.h"
+#include "app/mainwindow/main_toolbar.h"
 #include "app/mainwindow/preview_view.h"
+#include "app/persist/appcfg.h"
+#include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
 
 /// One menu entry. A row without a name is a separator.
@@ -34,6 +36,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_preview(new PreviewView(this))
     , m_render(*this, [this](QImage picture) { m_preview->setPreview(std::move(picture)); })
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
+    , m_preferences(*this, *this, [this] { m_toolbar->applyGroups(); })
 {
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
@@ -42,12 +45,16 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
             Qt::QueuedConnection); // a failure's box must not hold up the program dragged from
     connect(m_preview, &PreviewView::zoomChanged, this, &MainWindow::showZoom);
     buildMenus();
-    buildToolBar();
+    m_toolbar = new MainToolbar(*this);
+    addToolBar(m_toolbar);
+    connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
+            &MainWindow::applyIconColors);
     m_preview->setEmptyState(new EmptyState(findChild<QAction*>("openImage"),
                                             findChild<QAction*>("openBuiltInScene"), m_preview));
     setCentralWidget(m_preview);
     setWindowTitle(QApplication::applicationName());
     resize(1280, 800);
+    restoreGeometry(appcfg::windowGeometry());
     updateGates();
     showStatus("Open an image to begin.");
 }
@@ -58,6 +65,7 @@ void MainWindow::buildMenus()
 {
     using Key = QKeySequence;
     static constexpr const char* kFile = "&File";
+    static constexpr const char* kEdit = "&Edit";
     static constexpr const char* kView = "&View";
     static constexpr const char* kHelp = "&Help";
     static constexpr std::array kRows{
@@ -69,6 +77,8 @@ void MainWindow::buildMenus()
                   Gate::NeedsImage, &MainWindow::saveImage},
         ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
         ActionRow{kFile, "quit", "&Quit", Key::Quit, "Ctrl+Q", Gate::Always, &MainWindow::quit},
+        ActionRow{kEdit, "preferences", "&Preferences...", Key::Preferences, "Ctrl+,", Gate::Always,
+                  &MainWindow::showPreferences},
         ActionRow{kView, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
         ActionRow{kView, "zoomIn", "Zoom &In", Key::ZoomIn, "Ctrl+=", Gate::NeedsImage,
                   &MainWindow::zoomIn},
@@ -84,6 +94,7 @@ void MainWindow::buildMenus()
                   &MainWindow::showAbout},
     };
     menuTitled(kFile);
+    menuTitled(kEdit);
     addViewActions(menuTitled(kView));
     for (const ActionRow& row : kRows)
         addRow(row);
@@ -141,16 +152,16 @@ QMenu& MainWindow::menuTitled(const QString& title)
     return *menuBar()->addMenu(title);
 }
 
-void MainWindow::buildToolBar()
+void MainWindow::applyIconColors()
 {
-    QToolBar* bar = addToolBar(tr("View"));
-    bar->setObjectName("viewBar");
-    bar->setMovable(false);
-    bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    bar->addActions(m_views->actions());
-    bar->addSeparator();
-    for (const char* name : {"zoomToFit", "zoomToPixels"})
-        bar->addAction(findChild<QAction*>(name));
+    m_toolbar->applyIconColors();
+}
+
+void MainWindow::runStartupNotices()
+{
+    raise();
+    activateWindow();
+    warnIfNoFfmpeg();
 }
 
 void MainWindow::updateGates()
@@ -190,6 +201,8 @@ bool MainWindow::busyRun(const std::function<void()>& work)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(!m_busy.active());
+    if (event->isAccepted())
+        appcfg::setWindowGeometry(saveGeometry());
 }
 
 bool MainWindow::renderCurrentViewFullRes(zre::Image& out)

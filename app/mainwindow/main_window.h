@@ -7,6 +7,7 @@
 
 #include "app/mainwindow/busy_guard.h"
 #include "app/mainwindow/document_controller.h"
+#include "app/mainwindow/preferences_controller.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/render_controller.h"
 #include "app/mainwindow/shell_host.h"
@@ -15,6 +16,7 @@
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 
+class MainToolbar;
 class PreviewView;
 class QActionGroup;
 
@@ -39,6 +41,10 @@ public:
     void openProjectFromCommandLine(const QString& path);
     void openBuiltInScene() { m_documents.openBuiltInScene(); }
     void saveImage() { m_stills.saveImage(); }
+    /// What the user is told once the window is up.
+    void runStartupNotices();
+    void warnIfNoFfmpeg() { m_preferences.warnIfNoFfmpeg(); }
+    void applyIconColors();
 
     void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
     int currentOutputMode() const { return m_session.outputMode; }
@@ -72,7 +78,6 @@ private:
     void addViewActions(QMenu& menu);
     void addRow(const ActionRow& row);
     QMenu& menuTitled(const QString& title);
-    void buildToolBar();
     void updateGates();
     void showZoom(double scale, bool fitted);
 
@@ -82,6 +87,7 @@ private:
     void zoomOut();
     void zoomToFit();
     void zoomToPixels();
+    void showPreferences() { m_preferences.showPreferences(); }
     void showShortcuts();
     void showAbout();
 
@@ -94,6 +100,8 @@ private:
     RenderController m_render;
     DocumentController m_documents{*this};
     StillController m_stills;
-    QActionGroup* m_views = nullptr; ///< owned by the window
+    PreferencesController m_preferences;
+    MainToolbar* m_toolbar = nullptr; ///< owned by the window
+    QActionGroup* m_views = nullptr;  ///< owned by the window
     std::vector<GatedAction> m_actions;
 };

@@ -1,5 +1,7 @@
 #include "app/mainwindow/prompter.h"
 
+#include <QCheckBox>
+#include <QColorDialog>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -26,6 +28,27 @@ QString DesktopPrompter::saveFile(const QString& title, const QString& startAt,
         dialog.selectFile(name + "." + suffix);
     });
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+QString DesktopPrompter::openFolder(const QString& title, const QString& startAt)
+{
+    return QFileDialog::getExistingDirectory(m_parent, title, startAt);
+}
+
+QColor DesktopPrompter::chooseColor(const QString& title, const QColor& current)
+{
+    return QColorDialog::getColor(current, m_parent, title);
+}
+
+bool DesktopPrompter::remind(const QString& title, const QString& text, const QString& details,
+                             const QString& offer)
+{
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, m_parent);
+    box.setInformativeText(details);
+    auto* off = new QCheckBox(offer, &box);
+    box.setCheckBox(off);
+    box.exec();
+    return off->isChecked();
 }
 
 void DesktopPrompter::warn(const QString& title, const QString& text)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 
 class QWidget;
@@ -19,6 +20,13 @@ public:
     /// `startAt` is the suggested path.
     virtual QString saveFile(const QString& title, const QString& startAt,
                              const QString& filter) = 0;
+    /// The folder chosen; empty when the user cancels.
+    virtual QString openFolder(const QString& title, const QString& startAt) = 0;
+    /// The colour chosen; invalid when the user cancels.
+    virtual QColor chooseColor(const QString& title, const QColor& current) = 0;
+    /// A warning that the user can switch off for good, by a box labelled `offer`: whether it was.
+    virtual bool remind(const QString& title, const QString& text, const QString& details,
+                        const QString& offer) = 0;
     virtual void warn(const QString& title, const QString& text) = 0;
     /// A box of information; `richText` may hold simple HTML.
     virtual void tell(const QString& title, const QString& richText) = 0;
@@ -35,6 +43,10 @@ public:
 
     QString openFile(const QString& title, const QString& startAt, const QString& filter) override;
     QString saveFile(const QString& title, const QString& startAt, const QString& filter) override;
+    QString openFolder(const QString& title, const QString& startAt) override;
+    QColor chooseColor(const QString& title, const QColor& current) override;
+    bool remind(const QString& title, const QString& text, const QString& details,
+                const QString& offer) override;
     void warn(const QString& title, const QString& text) override;
     void tell(const QString& title, const QString& richText) override;
 

@@ -9,11 +9,13 @@
 #include "app/export/still_file.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/persist/appcfg.h"
 #include "app/session/output_view.h"
 #include "app/session/session.h"
 
 static constexpr const char* kStillFilters =
     "XISF 32-bit (*.xisf);;TIFF (*.tif);;PNG (*.png);;JPEG (*.jpg);;FITS 32-bit (*.fits)";
+static constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
 static constexpr int kDepthView = 1;
 
 static const OutputView& currentView(const Session& session)
@@ -43,12 +45,16 @@ StillController::StillController(ShellHost& host, Render render)
 {
 }
 
-QString StillController::startFolder() const
+/// Beside the source before any folder was chosen.
+QString StillController::startPath() const
 {
-    if (!m_folder.isEmpty())
-        return m_folder;
-    const QString source = m_host.session().sourcePath;
-    return source.isEmpty() ? QDir::homePath() : QFileInfo(source).absolutePath();
+    const Session& session = m_host.session();
+    const QString name = suggestedStillName(session);
+    const QString start = appcfg::dialogStartPath(kDialog, name, appcfg::Preferred::WorkFolder);
+    if (start != name)
+        return start;
+    const QFileInfo source(session.sourcePath);
+    return (session.sourcePath.isEmpty() ? QDir::home() : source.absoluteDir()).filePath(name);
 }
 
 void StillController::saveImage()
@@ -59,11 +65,10 @@ void StillController::saveImage()
         return;
     }
     const QString word = currentView(session).dialogName;
-    const QString path = m_host.prompter().saveFile(
-        "Export " + word, QDir(startFolder()).filePath(suggestedStillName(session)), kStillFilters);
+    const QString path = m_host.prompter().saveFile("Export " + word, startPath(), kStillFilters);
     if (path.isEmpty())
         return;
-    m_folder = QFileInfo(path).absolutePath();
+    appcfg::rememberDialogPath(kDialog, path);
 
     zre::Image still;
     m_host.showStatus("Rendering " + word + " at full resolution...");

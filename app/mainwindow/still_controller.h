@@ -23,11 +23,10 @@ public:
     void saveImage();
 
 private:
-    QString startFolder() const;
+    QString startPath() const;
 
     ShellHost& m_host;
     Render m_render;
-    QString m_folder; ///< last written to; before that, the source's own
 };
 
 /// The name suggested for the current view: the source's base name and the view's key.

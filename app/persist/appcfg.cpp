@@ -319,16 +319,6 @@ void setWindowGeometry(const QByteArray& geometry)
     write(kSettings.windowGeometry, geometry);
 }
 
-QByteArray windowState()
-{
-    return read(kSettings.windowState);
-}
-
-void setWindowState(const QByteArray& state)
-{
-    write(kSettings.windowState, state);
-}
-
 int lastTab()
 {
     return read(kSettings.lastTab);

@@ -100,8 +100,6 @@ QByteArray splitterState();
 void setSplitterState(const QByteArray& state);
 QByteArray windowGeometry();
 void setWindowGeometry(const QByteArray& geometry);
-QByteArray windowState();
-void setWindowState(const QByteArray& state);
 int lastTab();
 void setLastTab(int index);
 
@@ -166,6 +164,9 @@ QString lastDialogPath(const QString& key);
 /// Where a file dialog opens: a folder, with `suggestedName` appended unless it is empty. The other
 /// folder serves where the preferred one is not there; without either it is the name alone.
 QString dialogStartPath(const QString& key, const QString& suggestedName, Preferred preferred);
+
+/// Keeps the settings of this run in `folder` instead of the user's own store.
+void useStoreIn(const QString& folder);
 
 /// The stored value of a row, bound to what the row allows.
 QVariant stored(const Row& row);

@@ -93,6 +93,11 @@ QVariant bound(const Row& row, const QVariant& value)
 
 } // namespace
 
+void useStoreIn(const QString& folder)
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder);
+}
+
 QVariant stored(const Row& row)
 {
     return bound(row, Store().value(row.key));

@@ -133,7 +133,6 @@ struct Settings
         flag("ui/toolbar/flyby", true),  flag("ui/toolbar/tools", true)};
     Setting<QByteArray> splitterState = bytes("ui/splitterState");
     Setting<QByteArray> windowGeometry = bytes("ui/windowGeometry");
-    Setting<QByteArray> windowState = bytes("ui/windowState");
     Setting<int> lastTab = whole("ui/lastTab", 0, 0, 15);
 
     Setting<int> exportFormat = whole("export/format", 0, 0, 1);

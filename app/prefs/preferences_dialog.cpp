@@ -33,6 +33,7 @@ constexpr std::array kToolbarRows{
                "The button that writes the current view into a file."},
     ToolbarRow{appcfg::ToolbarGroup::View, "View",
                "The buttons of the views and of the preview's scale."},
+    ToolbarRow{appcfg::ToolbarGroup::Tools, "Tools", "The button that opens this dialog."},
 };
 
 constexpr std::array kModes{"System", "Light", "Dark"}; // in the order of ThemeManager::Mode
@@ -160,12 +161,23 @@ QWidget* PreferencesDialog::interfaceGroup()
         ThemeManager::instance().restoreDefaults();
     });
 
+    auto* raw = new QCheckBox("Show parameter values as [0,1] instead of %");
+    raw->setObjectName("rawValues");
+    raw->setToolTip("How the boxes beside the sliders show their values.");
+    raw->setChecked(!appcfg::showValuesAsPercent());
+    connect(raw, &QCheckBox::toggled, this, [this](bool checked) {
+        appcfg::setShowValuesAsPercent(!checked);
+        emit unitsChanged();
+    });
+
     auto* group = new QGroupBox("Interface");
     auto* form = new QFormLayout(group);
     form->addRow("Theme:", rowOf({modes}));
     form->addRow(hint("Applies immediately. \"System\" follows your OS light/dark setting."));
     form->addRow("Accent color:", rowOf({accent}));
     form->addRow("Secondary color:", rowOf({secondary, restore}));
+    form->addRow("Units:", raw);
+    form->addRow(QString(), hint("Checked: raw 0..1. Unchecked: 0-100%."));
     return group;
 }
 

@@ -26,6 +26,8 @@ public:
 
 signals:
     void toolbarGroupsChanged();
+    /// Values of parameters are to be shown in the other way.
+    void unitsChanged();
 
 private:
     QWidget* interfaceGroup();

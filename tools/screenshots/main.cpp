@@ -2,22 +2,27 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include "app/main/app_icon.h"
 #include "app/mainwindow/main_window.h"
+#include "app/persist/appcfg.h"
+#include "app/prefs/preferences_dialog.h"
+#include "app/prefs/splash_screen.h"
+#include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
 
-static bool grab(MainWindow& window, const QString& folder, const QString& name)
+static bool grab(QWidget& window, const QString& folder, const QString& name)
 {
     QApplication::processEvents();
-    const QString path = folder + "/window-" + name + ".png";
+    const QString path = folder + "/" + name + ".png";
     const bool saved = window.grab().save(path);
     std::printf("%s%s\n", saved ? "" : "could not write ", qPrintable(path));
     return saved;
 }
 
-/// usage: zr_screenshots FOLDER [IMAGE]: pictures of the window, empty and with IMAGE or the
-/// built-in scene in each view.
+/// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
+/// empty and with IMAGE or the built-in scene in each view and theme.
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
@@ -29,17 +34,28 @@ int main(int argc, char** argv)
         std::fputs("usage: zr_screenshots FOLDER [IMAGE]\n", stderr);
         return 2;
     }
+    const QTemporaryDir store; // the user's settings are no part of the pictures
+    appcfg::useStoreIn(store.path());
+    ThemeManager& theme = ThemeManager::instance();
+    theme.setModeTransient(ThemeManager::Mode::Dark);
+
+    SplashScreen splash(false);
+    bool saved = grab(splash, arguments[1], "splash");
+    PreferencesDialog preferences({});
+    saved = grab(preferences, arguments[1], "preferences") && saved;
     MainWindow window;
     window.resize(1280, 720);
     window.show();
-    bool saved = grab(window, arguments[1], "empty");
+    saved = grab(window, arguments[1], "window-empty") && saved;
     if (arguments.size() > 2)
         window.openProjectFromCommandLine(arguments[2]);
     else
         window.openBuiltInScene();
     for (const OutputView& view : kOutputViews) {
         window.findChild<QAction*>(QString("view.") + view.key)->trigger();
-        saved = grab(window, arguments[1], view.key) && saved;
+        saved = grab(window, arguments[1], QString("window-") + view.key) && saved;
     }
+    theme.setModeTransient(ThemeManager::Mode::Light);
+    saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;
 }

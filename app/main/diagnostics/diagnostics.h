@@ -16,5 +16,15 @@ int ranges(const QStringList& arguments);
 int depthResolution(const QStringList& arguments);
 /// No speck of an unfilled hole is left in a warped frame.
 int warpComb(const QStringList& arguments);
+/// The lists of recent files: categories, length, and the filing of the old list. Keeps to a store
+/// of its own.
+int recentFiles(const QStringList& arguments);
+/// Every text of the splash has a face with all of its letters.
+int fonts(const QStringList& arguments);
+/// Paints the end of the splash's animation into the picture file that the argument names.
+int splash(const QStringList& arguments);
+/// Paints every drawing of the toolbar in both themes into the picture file that the argument
+/// names.
+int icons(const QStringList& arguments);
 
 } // namespace diag

@@ -32,6 +32,21 @@ public:
     {
         return answer(title, startAt, filter);
     }
+    QString openFolder(const QString& title, const QString& startAt) override
+    {
+        return answer(title, startAt, {});
+    }
+    /// The answer is the colour's name.
+    QColor chooseColor(const QString& title, const QColor& current) override
+    {
+        return QColor(answer(title, current.name(), {}));
+    }
+    /// Any answer switches the warning off.
+    bool remind(const QString& title, const QString& text, const QString& details,
+                const QString& offer) override
+    {
+        return !answer(title, text + "|" + details, offer).isEmpty();
+    }
     void warn(const QString& title, const QString& text) override
     {
         m_script.warned << title + "|" + text;

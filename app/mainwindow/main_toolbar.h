@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+
+#include <QToolBar>
+
+/// The main toolbar: the actions of the window as buttons, in groups that the user can switch off.
+class MainToolbar final : public QToolBar
+{
+public:
+    /// Takes the actions of `window` by their object names.
+    explicit MainToolbar(QWidget& window);
+
+    /// Redraws the buttons for the theme.
+    void applyIconColors();
+    /// Shows the groups that the settings have switched on.
+    void applyGroups();
+
+private:
+    std::array<QList<QAction*>, 6> m_groups; ///< places of the buttons, by `appcfg::ToolbarGroup`
+};

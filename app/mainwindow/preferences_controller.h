@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+
+class QWidget;
+class ShellHost;
+
+/// The user's settings: the dialog, and the reminder of what is missing on this machine.
+class PreferencesController
+{
+public:
+    /// `toolbarChanged` is called when another part of the toolbar is to be shown; the dialog
+    /// stands above `window`.
+    PreferencesController(ShellHost& host, QWidget& window, std::function<void()> toolbarChanged);
+
+    void showPreferences();
+    /// Tells that there is no ffmpeg, until the user does not want to be told.
+    void warnIfNoFfmpeg();
+
+private:
+    ShellHost& m_host;
+    QWidget& m_window;
+    std::function<void()> m_toolbarChanged;
+};
