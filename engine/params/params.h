@@ -120,6 +120,8 @@ struct ZRParams
     float wigglePathAngle = 0.0f;
     bool wiggleCircular = false;
     std::vector<StarErasure> starErasures;
+
+    bool operator==(const ZRParams&) const = default;
 };
 
 } // namespace zre

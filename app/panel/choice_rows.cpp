@@ -1,0 +1,108 @@
+#include <algorithm>
+#include <utility>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+
+#include "app/panel/panel_rows.h"
+#include "app/panel/reset_label.h"
+#include "app/panel/row_controls.h"
+#include "app/panel/value_text.h"
+
+namespace {
+
+class CheckBinding final : public RowBinding
+{
+public:
+    CheckBinding(const CheckRow& row, const QString& section, QGridLayout& grid, QWidget* parent)
+        : RowBinding(parent)
+        , m_row(row)
+        , m_check(new QCheckBox(row.label, parent))
+    {
+        m_check->setObjectName(row.name);
+        m_check->setAccessibleName(section + ", " + row.label);
+        m_check->setToolTip(rowHelp(row));
+        grid.addWidget(m_check, grid.rowCount(), 0, 1, kColumns);
+        connect(m_check, &QCheckBox::clicked, this, [this] { emit edited(m_row.label, false); });
+    }
+
+    void load(const zre::ZRParams& params) override { m_check->setChecked(params.*m_row.field); }
+    void store(zre::ZRParams& params) const override { params.*m_row.field = m_check->isChecked(); }
+
+private:
+    const CheckRow& m_row;
+    QCheckBox* m_check;
+};
+
+class ComboBinding final : public RowBinding
+{
+public:
+    ComboBinding(const ComboRow& row, const QString& section, QGridLayout& grid, WheelGuard& guard,
+                 QWidget* parent)
+        : RowBinding(parent)
+        , m_row(row)
+        , m_label(new ResetLabel(row.label, parent))
+        , m_combo(new QComboBox(parent))
+    {
+        for (const char* choice : row.choices)
+            m_combo->addItem(choice);
+        m_combo->setObjectName(row.name);
+        m_combo->setAccessibleName(section + ", " + row.label);
+        m_combo->setToolTip(rowHelp(row));
+        m_label->setToolTip(m_combo->toolTip());
+        m_label->setBuddy(m_combo);
+        guard.guard(*m_combo);
+        auto* line = new QHBoxLayout;
+        line->setSpacing(8);
+        line->addWidget(m_label);
+        line->addStretch();
+        line->addWidget(m_combo);
+        grid.addLayout(line, grid.rowCount(), 0, 1, kColumns);
+        connect(m_combo, &QComboBox::activated, this, &ComboBinding::take);
+        connect(m_label, &ResetLabel::resetAsked, this, [this] { //
+            take(zre::ZRParams{}.*m_row.field);
+        });
+    }
+
+    void load(const zre::ZRParams& params) override
+    {
+        m_value = std::clamp(params.*m_row.field, 0, m_combo->count() - 1);
+        m_combo->setCurrentIndex(m_value);
+    }
+    void store(zre::ZRParams& params) const override { params.*m_row.field = m_value; }
+    void follow(const zre::ZRParams& params) override
+    {
+        const bool usable = !m_row.usable || m_row.usable(params);
+        m_label->setEnabled(usable);
+        m_combo->setEnabled(usable);
+    }
+
+private:
+    void take(int index)
+    {
+        const int before = std::exchange(m_value, index);
+        m_combo->setCurrentIndex(index);
+        if (before != index)
+            emit edited(m_row.label, false);
+    }
+
+    const ComboRow& m_row;
+    ResetLabel* m_label;
+    QComboBox* m_combo;
+    int m_value = 0;
+};
+
+} // namespace
+
+RowBinding* addCheckRow(const CheckRow& row, const QString& section, QGridLayout& grid,
+                        QWidget* parent)
+{
+    return new CheckBinding(row, section, grid, parent);
+}
+
+RowBinding* addComboRow(const ComboRow& row, const QString& section, QGridLayout& grid,
+                        WheelGuard& guard, QWidget* parent)
+{
+    return new ComboBinding(row, section, grid, guard, parent);
+}

@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <cmath>
+
+#include <QLabel>
+#include <QLineEdit>
+
+#include "app/panel/panel_rows.h"
+#include "app/panel/reset_label.h"
+#include "app/panel/row_controls.h"
+#include "app/panel/value_text.h"
+#include "app/persist/appcfg.h"
+#include "engine/params/param_ranges.h"
+
+namespace {
+
+/// Label, slider and text box of one parameter. The exact value is the binding's own: the slider
+/// stands at the step nearest to it, so that a loaded value between two steps survives.
+class FloatRow final : public RowBinding
+{
+public:
+    FloatRow(const SliderRow& row, const QString& section, QGridLayout& grid, WheelGuard& guard,
+             QWidget* parent)
+        : RowBinding(parent)
+        , m_row(row)
+        , m_range(*zre::findParamRange(row.name))
+        , m_label(new ResetLabel(row.label, parent))
+        , m_slider(new ParamSlider(parent))
+        , m_box(new QLineEdit(parent))
+    {
+        const QString name = section + ", " + row.label;
+        m_slider->setObjectName(row.name);
+        m_slider->setAccessibleName(name);
+        m_slider->setRange(stepOf(m_range.min), stepOf(m_range.max));
+        m_slider->setPageStep(std::max(1, (m_slider->maximum() - m_slider->minimum()) / 10));
+        guard.guard(*m_slider);
+        m_box->setObjectName(row.name + QString(".box"));
+        m_box->setAccessibleName(name + ", value");
+        m_box->setAlignment(Qt::AlignRight);
+        constexpr int kFrame = 14; // margins, and the cursor at the end
+        m_box->setFixedWidth(m_box->fontMetrics().horizontalAdvance("00.000 px") + kFrame);
+        m_label->setBuddy(m_slider);
+        refreshTexts();
+
+        const int line = grid.rowCount();
+        grid.addWidget(m_label, line, kLabelColumn);
+        grid.addWidget(m_slider, line, kSliderColumn);
+        grid.addWidget(m_box, line, kBoxColumn);
+        connect(m_slider, &ParamSlider::moved, this, &FloatRow::takeSlider);
+        connect(m_box, &QLineEdit::editingFinished, this, &FloatRow::takeBox);
+        connect(m_label, &ResetLabel::resetAsked, this, [this] { take(m_range.def); });
+    }
+
+    void load(const zre::ZRParams& params) override
+    {
+        show(zre::clampParam(m_row.name, static_cast<double>(params.*m_row.field)));
+    }
+
+    void store(zre::ZRParams& params) const override { params.*m_row.field = m_value; }
+
+    void follow(const zre::ZRParams& params) override
+    {
+        const bool usable = !m_row.usable || m_row.usable(params);
+        for (QWidget* each : {static_cast<QWidget*>(m_label), static_cast<QWidget*>(m_slider),
+                              static_cast<QWidget*>(m_box)})
+            each->setEnabled(usable);
+    }
+
+    void refreshTexts() override
+    {
+        m_percent = appcfg::showValuesAsPercent();
+        const QString help = rowHelp(m_row, m_percent);
+        m_label->setToolTip(help);
+        m_slider->setToolTip(help);
+        m_box->setToolTip(help);
+        m_box->setText(valueText(m_row, static_cast<double>(m_value), m_percent));
+    }
+
+private:
+    int stepOf(double value) const { return static_cast<int>(std::lround(value / m_row.scale)); }
+
+    void show(double value)
+    {
+        const QSignalBlocker quiet(m_slider);
+        m_value = static_cast<float>(value);
+        m_slider->setValue(stepOf(value));
+        m_box->setText(valueText(m_row, value, m_percent));
+    }
+
+    void take(double value)
+    {
+        const float before = m_value;
+        show(value);
+        if (m_value != before)
+            emit edited(m_row.label, false);
+    }
+
+    void takeSlider(int step, bool continues)
+    {
+        show(zre::clampParam(m_row.name, step * m_row.scale));
+        emit edited(m_row.label, continues);
+    }
+
+    void takeBox()
+    {
+        const QString shown = valueText(m_row, static_cast<double>(m_value), m_percent);
+        if (m_box->text() == shown)
+            return;
+        const std::optional<double> typed = readValue(m_row, m_box->text(), m_percent);
+        if (typed)
+            take(zre::clampParam(m_row.name, *typed));
+        else
+            m_box->setText(shown);
+    }
+
+    const SliderRow& m_row;
+    const zre::ParamRange& m_range;
+    ResetLabel* m_label;
+    ParamSlider* m_slider;
+    QLineEdit* m_box;
+    float m_value = 0.0f;
+    bool m_percent = true;
+};
+
+} // namespace
+
+RowBinding* addFloatRow(const SliderRow& row, const QString& section, QGridLayout& grid,
+                        WheelGuard& guard, QWidget* parent)
+{
+    return new FloatRow(row, section, grid, guard, parent);
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QIcon>
+
+/// A crosshair in the colour of the button texts, sharp at any size.
+QIcon crosshairIcon();

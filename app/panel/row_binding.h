@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "engine/params/params.h"
+
+/// One control of the panel as a view of its part of the parameter record.
+class RowBinding : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// Shows the part of `params`. Emits nothing.
+    virtual void load(const zre::ZRParams& params) = 0;
+    /// Writes the part, exactly as it was loaded unless the user has changed it since.
+    virtual void store(zre::ZRParams& params) const = 0;
+    /// Something in the panel has changed, and this is the record now: greys out what is without
+    /// effect.
+    virtual void follow(const zre::ZRParams&) {}
+    /// The way in which values are shown has changed.
+    virtual void refreshTexts() {}
+
+signals:
+    /// The user changed the control; `continues` when this goes on with one drag.
+    void edited(const QString& label, bool continues);
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/panel/panel_tab.h"
+
+class ColorRowsEditor;
+
+/// Depth by hand: colours that paint depth.
+class ShapingTab final : public PanelTab
+{
+    Q_OBJECT
+
+public:
+    explicit ShapingTab(QWidget* parent);
+
+    ColorRowsEditor& colorRows() { return *m_colorRows; }
+    const ColorRowsEditor& colorRows() const { return *m_colorRows; }
+
+signals:
+    void loadColorProfileRequested();
+    void saveColorProfileRequested();
+
+private:
+    void addProfileButtons(SectionBox& section);
+
+    ColorRowsEditor* m_colorRows = nullptr;
+};

@@ -1,0 +1,45 @@
+#include "app/panel/stereo_tab.h"
+
+#include <array>
+
+#include <QGridLayout>
+
+#include "app/panel/glasses_tint.h"
+#include "app/panel/panel_rows.h"
+#include "app/panel/row_controls.h"
+#include "app/panel/section_box.h"
+
+namespace {
+
+using P = zre::ZRParams;
+
+constexpr std::array kAnaglyphModes{"Color", "Half-color", "Gray", "Optimized (Dubois)"};
+
+constexpr std::array kStereoRows{
+    PanelRow{SliderRow{"parallaxAmount", "Parallax amount", 1.0, &P::parallaxAmount, "px"}},
+    PanelRow{SliderRow{"convergence", "Convergence", 0.01, &P::convergence, "",
+                       whenOff<&P::autoConvergence>}},
+    PanelRow{CheckRow{"autoConvergence", "Auto convergence (median depth)", &P::autoConvergence}},
+    PanelRow{SliderRow{"maxDisparity", "Max disparity", 1.0, &P::maxDisparity, "px"}},
+    PanelRow{CheckRow{"swapEyes", "Swap eyes (parallel / cross-eyed)", &P::swapEyes}},
+};
+
+constexpr std::array kAnaglyphRows{
+    PanelRow{ComboRow{"anaglyphMode", "Mode", &P::anaglyphMode, kAnaglyphModes}},
+};
+
+constexpr SectionRow kStereo{"Stereo depth", true, kStereoRows};
+constexpr SectionRow kAnaglyph{"Anaglyph", false, kAnaglyphRows};
+
+} // namespace
+
+StereoTab::StereoTab(QWidget* parent)
+    : PanelTab("Stereo", parent)
+{
+    addSection(kStereo);
+    SectionBox& anaglyph = addSection(kAnaglyph);
+    auto* tint = new GlassesTint(anaglyph.wheelGuard(), &anaglyph.body());
+    anaglyph.grid().addWidget(tint, anaglyph.grid().rowCount(), 0, 1, kColumns);
+    anaglyph.addBinding(tint->binding());
+    connect(tint, &GlassesTint::tintChanged, this, &StereoTab::glassesTintChanged);
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <random>
+
+#include "app/persist/param_table.h"
+#include "engine/params/param_ranges.h"
+
+/// A record with every stored number anywhere in its range, every switch and choice at random.
+inline zre::ZRParams randomParams(std::mt19937& random)
+{
+    zre::ZRParams params;
+    const auto between = [&random](double min, double max) {
+        return std::uniform_real_distribution<double>(min, max)(random);
+    };
+    for (const zrproj::ParamKey& key : zrproj::kParamOrder) {
+        const zre::ParamRange* range = zre::findParamRange(key.name);
+        if (const auto* real = std::get_if<float zre::ZRParams::*>(&key.field))
+            params.** real =
+                static_cast<float>(range ? between(range->min, range->max) : between(0.0, 1.0));
+        else if (const auto* whole = std::get_if<int zre::ZRParams::*>(&key.field))
+            params.** whole = range ? static_cast<int>(between(range->min, range->max + 0.999)) : 0;
+        else if (const auto* flag = std::get_if<bool zre::ZRParams::*>(&key.field))
+            params.** flag = between(0.0, 1.0) < 0.5;
+    }
+    for (const zre::ParamRange& row : zre::kParamRanges) // a float may round beyond its bound
+        if (row.get(params) < row.min || row.get(params) > row.max)
+            return randomParams(random);
+    return params;
+}
