@@ -78,20 +78,56 @@ Scaling readScaling(const FitsUnit& unit)
     return {keywords.number("BZERO").value_or(0.0), keywords.number("BSCALE").value_or(1.0)};
 }
 
+constexpr float kBlank = std::numeric_limits<float>::quiet_NaN();
+
+/// One plane of a plain unit.
+void readPlane(FitsReader& file, int plane, Image& image)
+{
+    std::array<LONGLONG, fileio::kMaxFitsAxes> first{1, 1, plane + 1, 1, 1, 1};
+    float blank = kBlank;
+    int anyBlank = 0;
+    fits_read_pixll(file.handle(), TFLOAT, first.data(), static_cast<LONGLONG>(image.pixelCount()),
+                    &blank, image.plane(plane), &anyBlank, &file.status);
+}
+
+/// One plane of a compressed unit, a tile a call: behind a tile that fails, cfitsio would go on
+/// with what it has not read.
+void readTiledPlane(FitsReader& file, const FitsUnit& unit, int plane, Image& image)
+{
+    const auto tileWidth = static_cast<int>(unit.tile[0]);
+    const auto tileHeight = static_cast<int>(unit.tile[1]);
+    std::vector<float> tile(static_cast<std::size_t>(tileWidth) *
+                            static_cast<std::size_t>(tileHeight));
+    for (int y = 0; y < image.height; y += std::min(tileHeight, image.height - y))
+        for (int x = 0; x < image.width; x += std::min(tileWidth, image.width - x)) {
+            const int columns = std::min(tileWidth, image.width - x);
+            const int rows = std::min(tileHeight, image.height - y);
+            std::array<long, fileio::kMaxFitsAxes> first{x + 1, y + 1, plane + 1, 1, 1, 1};
+            std::array<long, fileio::kMaxFitsAxes> last{x + columns, y + rows, plane + 1, 1, 1, 1};
+            std::array<long, fileio::kMaxFitsAxes> step{1, 1, 1, 1, 1, 1};
+            float blank = kBlank;
+            int anyBlank = 0;
+            if (fits_read_subset(file.handle(), TFLOAT, first.data(), last.data(), step.data(),
+                                 &blank, tile.data(), &anyBlank, &file.status))
+                return;
+            for (int row = 0; row < rows; ++row)
+                std::copy_n(tile.begin() + std::ptrdiff_t{row} * columns, columns,
+                            image.plane(plane) +
+                                static_cast<std::size_t>(y + row) *
+                                    static_cast<std::size_t>(image.width) +
+                                x);
+        }
+}
+
 bool readPlanes(FitsReader& file, const FitsUnit& unit, Image& image, std::string* error)
 {
     image =
         Image(static_cast<int>(unit.side[0]), static_cast<int>(unit.side[1]), unit.channels() == 3);
-    // A failed read must be the last: with the status set, cfitsio's tile decoder goes on with what
-    // it has not read.
-    for (int c = 0; c < image.channels && file.status == 0; ++c) {
-        std::array<LONGLONG, fileio::kMaxFitsAxes> first{1, 1, c + 1, 1, 1, 1};
-        float blank = std::numeric_limits<float>::quiet_NaN();
-        int anyBlank = 0;
-        fits_read_pixll(file.handle(), TFLOAT, first.data(),
-                        static_cast<LONGLONG>(image.pixelCount()), &blank, image.plane(c),
-                        &anyBlank, &file.status);
-    }
+    for (int c = 0; c < image.channels && file.status == 0; ++c)
+        if (unit.compressed)
+            readTiledPlane(file, unit, c, image);
+        else
+            readPlane(file, c, image);
     return file.status == 0 || fail(error, fileio::fitsMessage(file.status));
 }
 

@@ -28,9 +28,10 @@ std::optional<Value> key(fitsfile* fits, const std::string& name)
     return value;
 }
 
-/// True when `stream` is one gzip member that ends, with at most `limit` bytes in it.
-bool isWholeGzipStream(std::span<const std::uint8_t> stream, std::uint64_t limit)
+/// True when `stream` is one gzip member that ends and holds `samples` samples of one width.
+bool isWholeGzipStream(std::span<const std::uint8_t> stream, std::uint64_t samples)
 {
+    const std::uint64_t limit = samples * kLargestSample;
     z_stream inflater{};
     constexpr int gzipOnly = 15 + 16;
     if (stream.size() > std::numeric_limits<uInt>::max() ||
@@ -46,7 +47,9 @@ bool isWholeGzipStream(std::span<const std::uint8_t> stream, std::uint64_t limit
         result = inflate(&inflater, Z_NO_FLUSH);
     }
     inflateEnd(&inflater);
-    return result == Z_STREAM_END && inflater.total_out <= limit;
+    const std::uint64_t width = inflater.total_out / samples;
+    return result == Z_STREAM_END && inflater.total_out % samples == 0 &&
+           (width == 1 || width == 2 || width == 4 || width == 8);
 }
 
 /// The grid of tiles over the image: how many samples each holds.
@@ -156,16 +159,15 @@ bool checkTiles(fitsfile* fits, std::span<const std::uint8_t> file, const FitsUn
     const LONGLONG tiles = grid.count();
     for (LONGLONG i = 0; i < tiles; ++i) {
         const std::uint64_t samples = grid.samplesOf(i);
-        const std::uint64_t limit = samples * kLargestSample;
         const auto main = coded.cell(i + 1);
         const auto other = gzipped.cell(i + 1);
         const auto raw = plain.cell(i + 1);
         const bool sound =
-            main && other && raw &&
-            (main->empty() || (coding.gzip ? isWholeGzipStream(*main, limit)
+            main && other && raw && !(main->empty() && other->empty() && raw->empty()) &&
+            (main->empty() || (coding.gzip ? isWholeGzipStream(*main, samples)
                                            : isWholeRiceStream(*main, samples, coding.riceBytes,
                                                                coding.riceBlock))) &&
-            (other->empty() || isWholeGzipStream(*other, limit)) &&
+            (other->empty() || isWholeGzipStream(*other, samples)) &&
             raw->size() / static_cast<std::size_t>(plain.bytesOfElement()) <= samples;
         if (!sound)
             return fail(error, "a tile of the FITS image is damaged.");

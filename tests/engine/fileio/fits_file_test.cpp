@@ -223,7 +223,8 @@ TEST(FitsFile, TheFirstUnitWithAPictureIsTaken)
 }
 
 /// A picture of counts, smooth enough for every codec, as cfitsio itself compresses it.
-Bytes compressedFile(int codec, int bitpix, int width, int height, int planes)
+Bytes compressedFile(int codec, int bitpix, int width, int height, int planes,
+                     std::array<long, 3> tile = {})
 {
     fitsfile* fits = nullptr;
     void* base = nullptr;
@@ -231,6 +232,8 @@ Bytes compressedFile(int codec, int bitpix, int width, int height, int planes)
     int status = 0;
     fits_create_memfile(&fits, &base, &size, 2880, std::realloc, &status);
     fits_set_compression_type(fits, codec, &status);
+    if (tile[0] > 0)
+        fits_set_tile_dim(fits, planes > 1 ? 3 : 2, tile.data(), &status);
     std::array<long, 3> sides{width, height, planes};
     fits_create_img(fits, bitpix, planes > 1 ? 3 : 2, sides.data(), &status);
     std::vector<float> reals;
@@ -260,11 +263,14 @@ Bytes compressedFile(int codec, int bitpix, int width, int height, int planes)
 
 TEST(FitsFile, TileCompressedIntegersAreExact)
 {
+    // Whole rows, blocks that leave a rest on both sides, a tile through all planes.
+    constexpr std::array<std::array<long, 3>, 3> tiles{{{}, {16, 10, 1}, {40, 7, 3}}};
     for (const int codec : {RICE_1, GZIP_1, GZIP_2})
-        for (const int planes : {1, 3}) {
+        for (const auto& [planes, tile] : {std::pair{1, tiles[0]}, std::pair{1, tiles[1]},
+                                           std::pair{3, tiles[0]}, std::pair{3, tiles[2]}}) {
             zre::ImageFileInfo info;
             const zre::Image image =
-                decoded(compressedFile(codec, USHORT_IMG, 40, 24, planes), &info);
+                decoded(compressedFile(codec, USHORT_IMG, 40, 24, planes, tile), &info);
             ASSERT_EQ(image.channels, planes) << codec;
             for (int c = 0; c < planes; ++c)
                 for (int y = 0; y < 24; ++y)
