@@ -65,9 +65,10 @@ QGroupBox { font-weight: 600; margin-top: 20px;
     border: 1px solid @line; border-radius: 5px; }
 QGroupBox::title { subcontrol-origin: margin; subcontrol-position: top left; left: 2px; top: 1px;
     color: @section; }
-QLabel[sectionTitle="true"] { color: @section; font-weight: 600; }
+*[sectionTitle="true"] { color: @section; font-weight: 600; }
 QPushButton { padding: 4px 12px; }
 QTabWidget::pane { border: none; border-top: 1px solid @line; }
+QTabBar { qproperty-drawBase: 0; }
 QTabBar::tab { padding: 6px 12px; border: none; border-bottom: 2px solid transparent; color: @muted; }
 QTabBar::tab:hover { color: @strong; }
 QTabBar::tab:selected { color: @strong; border-bottom-color: @accent; }
