@@ -57,7 +57,7 @@ MainToolbar::MainToolbar(QWidget& window)
         action->setToolTip(toolTipOf(*action));
         QToolButton* button = ToolbarStyle::makeButton(action, this);
         if (row.named)
-            button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+            ToolbarStyle::showText(button);
         places << addWidget(button);
         before = &row;
     }

@@ -132,6 +132,8 @@ QWidget* PreferencesDialog::interfaceGroup()
 {
     auto* modes = new QComboBox;
     modes->setObjectName("themeMode");
+    modes->setAccessibleName("Theme");
+    modes->setToolTip("The look of all windows.");
     for (const char* mode : kModes)
         modes->addItem(mode);
     const auto showMode = [modes] {

@@ -75,6 +75,7 @@ QToolButton:pressed { background: %4; }
 QToolButton:checked { background: %4; border-color: %5; }
 QToolButton:focus { border-color: %6; }
 QToolButton[menuArrow="true"] { padding: 3px 1px; }
+QToolButton[named="true"] { padding: 3px 0px 3px 6px; }
 QToolButton::menu-indicator { image: none; }
 )";
     return sheet.arg(line.name(), QColor(dark ? 0xff4a4a4a : 0xffc8c8c8).name(),
@@ -91,6 +92,12 @@ QToolButton* ToolbarStyle::makeButton(QAction* action, QWidget* parent)
     QToolButton* button = bareButton(action->objectName(), kIconSide, parent);
     button->setDefaultAction(action);
     return button;
+}
+
+void ToolbarStyle::showText(QToolButton* button)
+{
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setProperty("named", true);
 }
 
 QToolButton* ToolbarStyle::makeMenuArrow(QMenu* menu, const QString& toolTip, QWidget* parent)

@@ -14,6 +14,8 @@ class ToolbarStyle
 public:
     /// A button for `action`, wearing the drawing of its name where there is one, else its text.
     static QToolButton* makeButton(QAction* action, QWidget* parent);
+    /// Shows the action's text beside its drawing.
+    static void showText(QToolButton* button);
     /// A narrow button that opens `menu`.
     static QToolButton* makeMenuArrow(QMenu* menu, const QString& toolTip, QWidget* parent);
     /// Both side by side without a gap, as one control of a toolbar.

@@ -200,6 +200,15 @@ TEST_F(Appcfg, TheInstallIdIsMadeOnceAndAgainOnlyInPlaceOfGarbage)
     EXPECT_NE(appcfg::updateInstallId(), "somebody");
 }
 
+TEST_F(Appcfg, AStoreThatCannotBeWrittenIsNoHindrance)
+{
+    appcfg::useStoreIn("/dev/null/none");
+    appcfg::setAutosaveMinutes(600);
+    EXPECT_TRUE(appcfg::autosaveMinutes() == 60 || appcfg::autosaveMinutes() == 10);
+    EXPECT_EQ(appcfg::updateInstallId().size(), 36);
+    EXPECT_EQ(appcfg::exportChoices(), appcfg::ExportChoices());
+}
+
 TEST_F(Appcfg, GettersMayBeAskedFromManyThreads)
 {
     appcfg::setAutosaveMinutes(17);

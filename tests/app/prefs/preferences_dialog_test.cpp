@@ -1,5 +1,7 @@
 #include "app/prefs/preferences_dialog.h"
 
+#include <QAbstractButton>
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -109,6 +111,24 @@ TEST_F(Preferences, AToolbarSwitchIsStoredBeforeItIsTold)
             box->click();
     EXPECT_TRUE(storedFirst);
     EXPECT_TRUE(appcfg::toolbarGroupShown(appcfg::ToolbarGroup::View));
+}
+
+TEST_F(Preferences, EveryControlHasANameAndSaysWhatItDoes)
+{
+    PreferencesDialog dialog(answers());
+    QWidgetList controls;
+    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+        controls << button;
+    for (QComboBox* box : dialog.findChildren<QComboBox*>())
+        controls << box;
+    EXPECT_GE(controls.size(), 14);
+    for (const QWidget* control : controls) {
+        const QAccessibleInterface* spoken =
+            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(control));
+        const QString name = spoken->text(QAccessible::Name);
+        EXPECT_FALSE(name.isEmpty()) << control->objectName().toStdString();
+        EXPECT_TRUE(name == "Close" || !control->toolTip().isEmpty()) << name.toStdString();
+    }
 }
 
 // A long path is shortened in the dialog; it must not push the buttons off the screen.
