@@ -55,8 +55,9 @@ public:
         : m_lines(static_cast<double>(img.width) + img.height)
         , m_progress(progress)
     {
-        if (sigma > 0.0)
-            m_blur.emplace(img.width, img.height, gaussianKernel(static_cast<float>(sigma), 0.01f));
+        // A sigma that the blur's own type cannot tell from 0 has no kernel.
+        if (const float narrow = static_cast<float>(sigma); narrow > 0.0f)
+            m_blur.emplace(img.width, img.height, gaussianKernel(narrow, 0.01f));
     }
 
     void next(float* plane)

@@ -10,7 +10,8 @@ Image::Image(int w, int h, int model)
     , channels(model == 1 ? 3 : 1)
     , colorModel(model)
 {
-    data.resize(pixelCount() * static_cast<std::size_t>(channels));
+    // The vector's constructor says what is wrong with a size that it cannot hold; resize does not.
+    data = std::vector<float>(pixelCount() * static_cast<std::size_t>(channels));
 }
 
 Progress subRange(const Progress& progress, double from, double to)

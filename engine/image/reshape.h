@@ -20,7 +20,7 @@ inline Image reshaped(Image& old, int width, int height, int colorModel)
         img.data.swap(old.data);
         old = Image();
     } else {
-        img.data.resize(count);
+        img.data = std::vector<float>(count);
     }
     return img;
 }

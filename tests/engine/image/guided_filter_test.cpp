@@ -99,3 +99,12 @@ TEST(GuidedFilter, ReportsItsSixStagesInOrderAndEndsAtOne)
     EXPECT_TRUE(std::is_sorted(reported.begin(), reported.end()));
     EXPECT_EQ(reported.back(), 1.0);
 }
+
+TEST(GuidedFilter, ASigmaThatIsZeroInSinglePrecisionHasNoMeans)
+{
+    const Image guide = zrtest::noise(9, 8, 0, 27);
+    const Image before = zrtest::noise(9, 8, 0, 28);
+    Image target = before;
+    zre::guidedFilter(guide, target, 1e-60, 1e-3f, {});
+    EXPECT_TRUE(zrtest::imagesNear(target, naive::guided(guide, before, 0.0f, 1e-3f), 0.0));
+}
