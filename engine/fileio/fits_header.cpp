@@ -231,7 +231,7 @@ bool readCoding(FitsUnit& unit, std::string* error)
         return fail(error, "unsupported FITS compression: " + type);
     const std::int64_t seed = integerOr(unit, "ZDITHER0", 1).value_or(0);
     // cfitsio takes the two by their places, whatever they are called.
-    const std::int64_t block = integerOr(unit, "ZVAL1", 32).value_or(0);
+    const std::int64_t block = integer(unit, "ZVAL1").value_or(0);
     const std::int64_t bytes = integerOr(unit, "ZVAL2", 4).value_or(0);
     const bool named = keywords.text("ZNAME1").value_or("BLOCKSIZE") == "BLOCKSIZE" &&
                        keywords.text("ZNAME2").value_or("BYTEPIX") == "BYTEPIX";

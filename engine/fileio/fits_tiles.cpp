@@ -89,18 +89,17 @@ private:
     std::span<const std::int64_t> tile;
 };
 
-/// The variable-length cells of one column, as bytes of the file.
+/// The variable-length cells of one column, as bytes of the file. Number 0 is an absent column; a
+/// column of another kind has no sound cell.
 class HeapColumn
 {
 public:
-    HeapColumn(fitsfile* table, std::span<const std::uint8_t> wholeFile, const char* name)
+    HeapColumn(fitsfile* table, std::span<const std::uint8_t> wholeFile, int number)
         : fits(table)
         , file(wholeFile)
+        , column(number)
     {
         int status = 0;
-        std::string title(name); // cfitsio takes it as not const
-        fits_get_colnum(fits, CASEINSEN, title.data(), &column, &status);
-        present = status != COL_NOT_FOUND;
         LONGLONG dataStart = 0;
         int type = 0;
         fits_get_coltypell(fits, column, &type, nullptr, nullptr, &status);
@@ -108,7 +107,6 @@ public:
         const LONGLONG rowBytes = key<TLONGLONG, LONGLONG>(fits, "NAXIS1").value_or(0);
         const LONGLONG rows = key<TLONGLONG, LONGLONG>(fits, "NAXIS2").value_or(0);
         const LONGLONG heap = key<TLONGLONG, LONGLONG>(fits, "THEAP").value_or(rowBytes * rows);
-        // A second column of the name, or one of another kind, leaves the column unsound.
         if (status || type >= 0 || heap < 0 || heap > static_cast<LONGLONG>(file.size()))
             return;
         elementBytes = type == -TBYTE                           ? 1
@@ -122,7 +120,7 @@ public:
     /// is absent.
     std::optional<std::span<const std::uint8_t>> cell(LONGLONG row) const
     {
-        if (!present)
+        if (column == 0)
             return std::span<const std::uint8_t>();
         LONGLONG length = 0;
         LONGLONG offset = 0;
@@ -140,8 +138,7 @@ public:
 private:
     fitsfile* fits;
     std::span<const std::uint8_t> file;
-    bool present = false;
-    int column = 0;
+    int column;
     int elementBytes = 1;
     LONGLONG heapStart = -1;
 };
@@ -153,10 +150,15 @@ bool checkTiles(fitsfile* fits, std::span<const std::uint8_t> file, const FitsUn
 {
     const FitsTileCoding& coding = unit.coding;
     const TileGrid grid(unit);
-    const HeapColumn coded(fits, file, "COMPRESSED_DATA");
-    const HeapColumn gzipped(fits, file, "GZIP_COMPRESSED_DATA");
-    const HeapColumn plain(fits, file, "UNCOMPRESSED_DATA");
+    // The very columns that cfitsio will decode. When it found the header wanting while it opened
+    // the unit, it has kept quiet about it and has none.
+    const FITSfile& opened = *fits->Fptr;
+    const HeapColumn coded(fits, file, opened.cn_compressed);
+    const HeapColumn gzipped(fits, file, opened.cn_gzip_data);
+    const HeapColumn plain(fits, file, opened.cn_uncompressed);
     const LONGLONG tiles = grid.count();
+    if (opened.cn_compressed < 1 || opened.numrows != tiles)
+        return fail(error, "bad FITS tile coding.");
     for (LONGLONG i = 0; i < tiles; ++i) {
         const std::uint64_t samples = grid.samplesOf(i);
         const auto main = coded.cell(i + 1);

@@ -511,8 +511,9 @@ TEST(FitsDamage, TilesThatWouldMisleadTheDecoderAreRefused)
     const Bytes rice = compressedFile(RICE_1, USHORT_IMG, 40, 24, 1);
     for (const auto& [name, value] :
          {std::pair{"ZTILE1", "0"}, std::pair{"ZTILE2", "-1"}, std::pair{"ZTILE1", "41"},
-          std::pair{"ZNAXIS1", "2000000000"}, std::pair{"ZNAXIS", "999"}, std::pair{"ZVAL1", "0"},
-          std::pair{"ZVAL2", "3"}, std::pair{"ZBITPIX", "7"}, std::pair{"PCOUNT", "99999999"},
+          std::pair{"ZNAXIS1", "2000000000"}, std::pair{"ZNAXIS", "999"},
+          std::pair{"ZNAXIS2", "23"}, std::pair{"ZVAL1", "0"}, std::pair{"ZVAL2", "3"},
+          std::pair{"ZBITPIX", "7"}, std::pair{"PCOUNT", "99999999"},
           std::pair{"ZCMPTYPE", "'ZSTD'"}, std::pair{"TFIELDS", "-1"}})
         EXPECT_FALSE(refusal(changedCard(rice, name, value)).empty()) << name << " " << value;
     Bytes disordered = rice;
