@@ -67,6 +67,7 @@ QGroupBox::title { subcontrol-origin: margin; subcontrol-position: top left; lef
     color: @section; }
 *[sectionTitle="true"] { color: @section; font-weight: 600; }
 QPushButton { padding: 4px 12px; }
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QTabWidget::pane { border: none; border-top: 1px solid @line; }
 QTabBar { qproperty-drawBase: 0; }
 QTabBar::tab { padding: 6px 12px; border: none; border-bottom: 2px solid transparent; color: @muted; }
