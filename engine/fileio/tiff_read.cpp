@@ -33,6 +33,7 @@ struct Page
     int compression = COMPRESSION_NONE;
     bool planar = false;
     bool tiled = false;
+    bool multipliedByAlpha = false; ///< colours that an alpha behind them has darkened
 
     int channels() const { return photometric == PHOTOMETRIC_RGB ? 3 : 1; }
     std::size_t sampleBytes() const { return static_cast<std::size_t>(bits) / 8; }
@@ -58,6 +59,10 @@ Page readPage(TIFF* tiff)
     page.compression = shortTag(tiff, TIFFTAG_COMPRESSION);
     page.planar = shortTag(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE;
     page.tiled = TIFFIsTiled(tiff) != 0;
+    std::uint16_t extras = 0;
+    std::uint16_t* extra = nullptr;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &extras, &extra);
+    const bool associated = extras > 0 && extra[0] == EXTRASAMPLE_ASSOCALPHA;
     page.format = shortTag(tiff, TIFFTAG_SAMPLEFORMAT);
     if (page.format == SAMPLEFORMAT_VOID)
         page.format = SAMPLEFORMAT_UINT;
@@ -66,6 +71,8 @@ Page readPage(TIFF* tiff)
         page.photometric = photometric;
     else
         page.photometric = page.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
+    page.multipliedByAlpha =
+        associated && page.photometric == PHOTOMETRIC_RGB && page.samples > page.channels();
     return page;
 }
 
@@ -199,6 +206,33 @@ bool readTiles(TIFF* tiff, const Page& page, int planes, BlockSink& sink, std::s
     return true;
 }
 
+/// A colour that was multiplied by `alpha`, as it was before; black when nothing is left of it.
+float withoutAlpha(float colour, float alpha)
+{
+    return alpha > 0.0f ? std::min(colour / alpha, 1.0f) : 0.0f;
+}
+
+/// The same in whole steps of a byte, as they were when the file was made.
+float byteWithoutAlpha(float colour, float alpha)
+{
+    const std::uint32_t a = fileio::quantised(alpha, 255.0f);
+    const std::uint32_t c = fileio::quantised(colour, 255.0f);
+    const std::uint32_t whole = a > 0 ? std::min((2 * 255 * c + a) / (2 * a), 255U) : 0;
+    return fileio::unitSample(static_cast<std::uint8_t>(whole));
+}
+
+/// Takes the alpha, in the plane behind the colours, out of them and drops it.
+void divideByAlpha(Image& image, bool bytes)
+{
+    const std::size_t pixels = image.pixelCount();
+    const float* const alpha = image.plane(3);
+    for (int c = 0; c < 3; ++c)
+        std::transform(image.plane(c), image.plane(c) + pixels, alpha, image.plane(c),
+                       bytes ? byteWithoutAlpha : withoutAlpha);
+    image.channels = 3;
+    image.data.resize(3 * pixels);
+}
+
 bool readSamples(MemoryTiff& file, const Page& page, const fileio::TiffSampleType& type,
                  Image& image, std::string* error)
 {
@@ -206,13 +240,19 @@ bool readSamples(MemoryTiff& file, const Page& page, const fileio::TiffSampleTyp
         return fail(error, "bad TIFF geometry.");
     image =
         Image(static_cast<int>(page.width), static_cast<int>(page.height), page.channels() == 3);
+    if (page.multipliedByAlpha) {
+        image.channels = 4;
+        image.data.resize(4 * image.pixelCount());
+    }
     BlockSink sink(page, type, image);
-    const int planes = page.planar ? page.channels() : 1;
+    const int planes = page.planar ? image.channels : 1;
     std::string own;
     const bool whole = page.tiled ? readTiles(file.handle(), page, planes, sink, &own)
                                   : readStrips(file.handle(), page, planes, sink);
     if (!whole)
         return fail(error, own.empty() ? file.message("the TIFF image data cannot be read.") : own);
+    if (page.multipliedByAlpha)
+        divideByAlpha(image, type.bits == 8 && type.format == SAMPLEFORMAT_UINT);
     return true;
 }
 

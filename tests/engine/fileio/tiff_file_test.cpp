@@ -26,6 +26,7 @@ struct TiffLayout
     const char* mode = "wl"; ///< byte order
     int orientation = ORIENTATION_TOPLEFT;
     int rowsPerStrip = 3;
+    int extraSample = -1; ///< meaning of the fourth sample; none said
 };
 
 /// The sample of channel c at (x, y) as the bytes to store.
@@ -49,6 +50,8 @@ void setTags(TIFF* tiff, const TiffLayout& layout, int width, int height)
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, layout.compression);
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, layout.orientation);
+    if (const auto extra = static_cast<std::uint16_t>(layout.extraSample); layout.extraSample >= 0)
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG,
                  layout.planar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
     if (layout.tiled) {
@@ -243,6 +246,32 @@ INSTANTIATE_TEST_SUITE_P(
         SampleCase{"Float64", 64, SAMPLEFORMAT_IEEEFP,
                    [](int i) { return bytesOf(kReals[static_cast<std::size_t>(i)]); }, limited}),
     [](const auto& testInfo) { return testInfo.param.name; });
+
+TEST(TiffFile, ColoursMultipliedByTheirAlphaAreTakenBack)
+{
+    for (const bool planar : {false, true})
+        for (const bool tiled : {false, true}) {
+            TiffLayout layout;
+            layout.samples = 4;
+            layout.bits = 32;
+            layout.format = SAMPLEFORMAT_IEEEFP;
+            layout.planar = planar;
+            layout.tiled = tiled;
+            layout.extraSample = EXTRASAMPLE_ASSOCALPHA;
+            const zre::Image image = loaded(makeTiff(layout, 5, 3, [](int x, int y, int c) {
+                const float alpha = static_cast<float>(x) / 4.0f; // none at all in column 0
+                return bytesOf(c == 3 ? alpha : alpha * static_cast<float>(1 + y + 3 * c) / 10.0f);
+            }));
+            ASSERT_EQ(image.channels, 3);
+            ASSERT_EQ(image.data.size(), 45U);
+            for (int c = 0; c < 3; ++c)
+                for (int y = 0; y < 3; ++y)
+                    for (int x = 0; x < 5; ++x)
+                        EXPECT_FLOAT_EQ(image.plane(c)[5 * y + x],
+                                        x == 0 ? 0.0f : static_cast<float>(1 + y + 3 * c) / 10.0f)
+                            << "planar " << planar << " tiled " << tiled << " at " << x;
+        }
+}
 
 TEST(TiffFile, MinIsWhiteIsTurnedOver)
 {

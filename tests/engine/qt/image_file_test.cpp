@@ -115,6 +115,29 @@ TEST(ImageFile, TiffTagsMeanWhatTheyMeanToQImageReader)
         }
 }
 
+TEST(ImageFile, ColoursMultipliedByTheirAlphaAreTakenBackAsQtTakesThem)
+{
+    const QString path = scratch("alpha.tif");
+    TIFF* tiff = TIFFOpen(path.toUtf8().constData(), "w");
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 256);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 256);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 4);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    const std::uint16_t alpha = EXTRASAMPLE_ASSOCALPHA;
+    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
+    for (int y = 0; y < 256; ++y) { // every byte that can stand beside every alpha
+        std::vector<std::uint8_t> row;
+        for (int x = 0; x < 256; ++x)
+            for (const int v : {std::min(x, y), y - std::min(x, y), y / 2, y})
+                row.push_back(static_cast<std::uint8_t>(v));
+        TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0);
+    }
+    TIFFClose(tiff);
+    EXPECT_TRUE(zrtest::imagesNear(opened(path).image, zre_qt::fromQImage(QImage(path)), 0.0));
+}
+
 TEST(ImageFile, JpegOrientationTurnsThePicture)
 {
     QImage picture(30, 10, QImage::Format_RGB888);
