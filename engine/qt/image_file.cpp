@@ -162,7 +162,7 @@ bool decodeThroughQt(const QString& path, Picture& picture, std::string& error)
 bool beginsAsTiff(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray head = file.read(4);
     return zre::hasTiffSignature({reinterpret_cast<const std::uint8_t*>(head.constData()),
@@ -184,8 +184,24 @@ Decoder decoderFor(const QString& path)
     return decodeThroughQt;
 }
 
+/// Why a file that is there cannot be opened at all, or nothing. Of a folder or a missing right the
+/// decoders only say that there is no file, and a pipe without a writer holds them up for ever.
+std::string whyClosed(const QString& path)
+{
+    const QFileInfo entry(path);
+    if (!entry.exists())
+        return {};
+    if (!entry.isFile())
+        return "this is not a file.";
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? std::string() : file.errorString().toStdString();
+}
+
 bool decode(Decoder decoder, const QString& path, Picture& picture, std::string& error)
 {
+    error = whyClosed(path);
+    if (!error.empty())
+        return false;
     try {
         if (!decoder(path, picture, error))
             return false;

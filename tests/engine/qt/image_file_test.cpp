@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 
 #include <QBuffer>
@@ -334,6 +335,41 @@ TEST(ImageFile, RealPhotographsGiveWhatQImageGives)
         const QString file = QString::fromStdString(path->string());
         EXPECT_TRUE(zrtest::imagesNear(opened(file).image, zre_qt::fromQImage(QImage(file)), 0.0))
             << name;
+    }
+}
+
+TEST(ImageFile, FoldersAndPipesAreNamedAsSuchAndHoldNothingUp)
+{
+    for (const char* suffix : {"png", "tif", "fits", "xisf"}) {
+        const std::filesystem::path folder =
+            zrtest::scratchFolder() / (std::string("folder.") + suffix);
+        std::filesystem::create_directories(folder);
+        const std::filesystem::path pipe =
+            zrtest::scratchFolder() / (std::string("pipe.") + suffix);
+        std::filesystem::remove(pipe);
+        ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+        for (const auto& path : {folder, pipe}) {
+            Opened out;
+            QString error;
+            EXPECT_FALSE(decodeImageFile(QString::fromStdString(path.string()), out.preview,
+                                         out.image, out.wcs, nullptr, &error));
+            EXPECT_TRUE(error.endsWith("this is not a file.")) << path << error.toStdString();
+        }
+    }
+}
+
+TEST(ImageFile, AMissingRightIsNotTakenForAMissingFile)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "the superuser may read everything";
+    for (const char* name : {"closed.png", "closed.tif", "closed.fits", "closed.xisf"}) {
+        const QString path = scratch(name);
+        testPicture(QImage::Format_RGB888).save(path, "png");
+        QFile::setPermissions(path, {});
+        Opened out;
+        QString error;
+        EXPECT_FALSE(decodeImageFile(path, out.preview, out.image, out.wcs, nullptr, &error));
+        EXPECT_TRUE(error.endsWith("Permission denied")) << error.toStdString();
     }
 }
 
