@@ -43,8 +43,10 @@ int diag::depthResolution(const QStringList&)
     const QTemporaryDir folder;
     const QString path = folder.filePath("depth.tif");
     QString error;
-    checks.that(writeStill(path, depth, {}, &error), "written with 16 bits " + error);
-    checks.that(openDepthMap(path, session, &error), "opened as a depth map " + error);
+    const bool written = writeStill(path, depth, {}, &error);
+    checks.that(written, "written with 16 bits " + error);
+    const bool reopened = openDepthMap(path, session, &error);
+    checks.that(reopened, "opened as a depth map " + error);
     const zre::Image& back = session.externalDepth;
     float worst = back.data.size() == depth.data.size() ? 0.0f : INFINITY;
     for (std::size_t i = 0; i < back.data.size() && std::isfinite(worst); ++i)

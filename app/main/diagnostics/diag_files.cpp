@@ -51,8 +51,8 @@ int diag::wcsBuild(const QStringList& arguments)
     }
     Session session;
     QString error;
-    checks.that(openSource(arguments[0], StretchMode::None, session, nullptr, &error),
-                arguments[0] + " " + error);
+    const bool opened = openSource(arguments[0], StretchMode::None, session, nullptr, &error);
+    checks.that(opened, arguments[0] + " " + error);
     if (session.wcs.valid)
         checkSolution(checks, session);
     else
