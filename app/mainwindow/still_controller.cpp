@@ -16,7 +16,6 @@
 static constexpr const char* kStillFilters =
     "XISF 32-bit (*.xisf);;TIFF (*.tif);;PNG (*.png);;JPEG (*.jpg);;FITS 32-bit (*.fits)";
 static constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
-static constexpr int kDepthView = 1;
 
 static const OutputView& currentView(const Session& session)
 {
@@ -30,13 +29,6 @@ QString suggestedStillName(const Session& session)
     const QString base = QFileInfo(session.sourcePath).completeBaseName();
     return QString("%1_%2.xisf")
         .arg(base.isEmpty() ? QString("zerrith") : base, currentView(session).key);
-}
-
-const zre::Wcs* solutionOfStill(const Session& session, const zre::Image& still)
-{
-    const bool fits =
-        session.wcs.valid && still.sameSize(session.source) && session.outputMode != kDepthView;
-    return fits ? &session.wcs : nullptr;
 }
 
 StillController::StillController(ShellHost& host, Render render)
@@ -78,7 +70,7 @@ void StillController::saveImage()
     }
     m_host.showStatus("Writing " + word + "...");
     StillOptions options;
-    options.wcs = solutionOfStill(session, still);
+    options.wcs = solutionOfStill(session, session.outputMode, still);
     QString error;
     bool written = false;
     m_host.busyRun([&] { written = writeStill(path, still, options, &error); });

@@ -4,7 +4,6 @@
 
 #include <QString>
 
-#include "engine/astro/wcs.h"
 #include "engine/image/image.h"
 
 class ShellHost;
@@ -31,7 +30,3 @@ private:
 
 /// The name suggested for the current view: the source's base name and the view's key.
 QString suggestedStillName(const Session& session);
-
-/// The solution that fits `still`, a rendering of the current view; null for a view whose pixels
-/// are not the source's, and for the depth map, which is no picture of the sky.
-const zre::Wcs* solutionOfStill(const Session& session, const zre::Image& still);

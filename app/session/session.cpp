@@ -18,3 +18,10 @@ void Session::installExternalDepth(QString path, zre::Image image)
     externalDepth = usable ? std::move(image) : zre::Image();
     ++generation;
 }
+
+const zre::Wcs* solutionOfStill(const Session& session, int view, const zre::Image& still)
+{
+    constexpr int kDepthView = 1;
+    const bool fits = session.wcs.valid && still.sameSize(session.source) && view != kDepthView;
+    return fits ? &session.wcs : nullptr;
+}

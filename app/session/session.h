@@ -30,3 +30,7 @@ struct Session
     /// Replaces the external depth map; an image that is not usable removes it.
     void installExternalDepth(QString path, zre::Image image);
 };
+
+/// The solution that fits `still`, a rendering of output view `view`; null for a view whose pixels
+/// are not the source's, and for the depth map, which is no picture of the sky.
+const zre::Wcs* solutionOfStill(const Session& session, int view, const zre::Image& still);

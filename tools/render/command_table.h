@@ -109,8 +109,8 @@ inline constexpr std::array kCommands{
                 "Renders the depth map, the red/cyan anaglyph, the side-by-side pair or the source "
                 "itself at full size. The suffix of the output decides the format: .xisf and .fits "
                 "(32-bit float), .tif (16 bits, or 8 or 32 float), .png (16 bits, or 8), .jpg. An "
-                "astrometric solution is kept in .xisf and .fits files whose pixels are the "
-                "source's.",
+                "astrometric solution is kept in .xisf and .fits files of the source and the "
+                "anaglyph.",
                 runStill},
     CommandSpec{kWiggle, "wiggle", "IN", "render the parallax motion of IN as numbered frames",
                 "Renders one closed loop of the moving viewpoint into frame_0000.png, "

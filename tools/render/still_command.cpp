@@ -38,7 +38,7 @@ static void report(const QString& output, const OutputView& view, const zre::Ima
 struct Still
 {
     zre::Image image;
-    bool hasSourceGeometry = false;
+    const zre::Wcs* wcs = nullptr; ///< of the session
     QString status;
 };
 
@@ -52,7 +52,7 @@ static Still renderStill(int view, Session& session, Console& console)
     });
     Still still;
     pipeline.renderView(view, {}, still.image, &still.status);
-    still.hasSourceGeometry = still.image.sameSize(session.source);
+    still.wcs = solutionOfStill(session, view, still.image);
     session.source = zre::Image();
     return still;
 }
@@ -77,8 +77,7 @@ Outcome runStill(const Invocation& invocation, RunContext& context)
 
     const Still still = renderStill(view->id, session, context.console);
     context.console.progress(kWritePercent, QStringLiteral("Writing..."));
-    outcome = writeStaged(output, still.image, still.hasSourceGeometry ? &session.wcs : nullptr,
-                          bits, context.outputs);
+    outcome = writeStaged(output, still.image, still.wcs, bits, context.outputs);
     QString error;
     if (outcome.isDone() && !context.outputs.commit(&error))
         outcome = Outcome::failed(error);
