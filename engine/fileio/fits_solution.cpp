@@ -55,7 +55,7 @@ void readSolution(std::vector<acl::FITSKeyword> keywords, int width, int height,
     }
 }
 
-std::vector<acl::FITSKeyword> bottomUpKeywords(const Wcs& wcs)
+std::vector<acl::FITSKeyword> bottomUpKeywords(const Wcs& wcs, int height)
 {
     std::vector<acl::FITSKeyword> keywords;
     if (!wcs.valid || !wcs.solution)
@@ -63,7 +63,7 @@ std::vector<acl::FITSKeyword> bottomUpKeywords(const Wcs& wcs)
     wcs.solution->UpdateWCSKeywords(keywords);
     if (rowsRunDown(keywords)) {
         // Row p of the picture's top-down numbering is row H + 1 - p from the bottom.
-        const double mirrored = wcs.solution->height() + 1.0;
+        const double mirrored = height + 1.0;
         changeNumber(keywords, "CRPIX2", [&](double p) { return mirrored - p; });
         for (const char* name : {"CD1_2", "CD2_2"})
             changeNumber(keywords, name, [](double v) { return -v; });

@@ -14,8 +14,8 @@ bool rowsRunDown(const std::vector<acl::FITSKeyword>& keywords);
 /// `wcs` changes only with a usable solution.
 void readSolution(std::vector<acl::FITSKeyword> keywords, int width, int height, Wcs& wcs);
 
-/// The keywords of the solution for rows stored bottom first, as the FITS standard has them; empty
-/// without one.
-std::vector<acl::FITSKeyword> bottomUpKeywords(const Wcs& wcs);
+/// The keywords of the solution for `height` rows stored bottom first, as the FITS standard has
+/// them; empty without one.
+std::vector<acl::FITSKeyword> bottomUpKeywords(const Wcs& wcs, int height);
 
 } // namespace zre::fileio

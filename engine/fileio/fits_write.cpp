@@ -76,7 +76,7 @@ void writeHeader(FitsWriter& file, const Image& image, const Wcs* wcs)
     fits_write_key(file.handle(), TLOGICAL, fileio::kDisplayReadyKeyword, &shown,
                    "the samples are meant to be seen as they are", &file.status);
     if (wcs)
-        for (const acl::FITSKeyword& keyword : fileio::bottomUpKeywords(*wcs))
+        for (const acl::FITSKeyword& keyword : fileio::bottomUpKeywords(*wcs, image.height))
             fits_write_record(file.handle(), card(keyword).c_str(), &file.status);
 }
 

@@ -16,8 +16,7 @@ namespace zre {
 /// - an image that is not `usable()` is left alone, as is the output of a function given one;
 /// - functions are reentrant, hold no state and start no thread;
 /// - an empty progress function means no reporting; a set one gets the fraction, 0 to 1, of that
-/// call's own
-///   work, and cannot stop it;
+///   call's own work, and cannot stop it;
 /// - sums run in the order stated, in the precision stated: the same bits on every processor.
 struct Image
 {

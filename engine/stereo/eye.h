@@ -10,14 +10,12 @@ namespace zre {
 /// holes behind them fill from the farther side.
 ///
 /// Shape:   `depth` has the size of `src`; `out` already has its size and channels and every pixel
-/// of it is
-///          written. `outDepth` may be null; else it becomes one channel, -1 at holes nothing
-///          reached.
+///          of it is written. `outDepth` may be null; else it becomes one channel, -1 at holes
+///          nothing reached.
 /// Units:   `parallax` and `maxDisparity` in pixels of total disparity (`maxDisparity` at most 0:
-/// no clamp);
-///          `offsetX` +1 is the left eye, -1 the right; `zoom` the radial parallax of what stands
-///          in front of `convergence`, about (`centerX`, `centerY`), where a value below 0 means
-///          the middle.
+///          no clamp); `offsetX` +1 is the left eye, -1 the right; `zoom` the radial parallax of
+///          what stands in front of `convergence`, about (`centerX`, `centerY`), where a value
+///          below 0 means the middle.
 /// Errors:  none; with a non-finite argument the pixels it would move stay where they are.
 /// A purely horizontal warp without `splat` runs in `renderEyeHorizontal`, anything else in
 /// `renderEye2D`.

@@ -12,13 +12,11 @@ namespace zre {
 /// Loads the first image of an XISF 1.0 file.
 ///
 /// Shape:   planar samples; one plane from fewer than three channels, else the first three. UInt8,
-/// UInt16, UInt32
-///          and Float32, either byte order, raw or compressed by zlib, lz4, lz4hc or zstd, shuffled
-///          or not.
+///          UInt16, UInt32 and Float32, either byte order, raw or compressed by zlib, lz4, lz4hc or
+///          zstd, shuffled or not.
 /// Units:   0 to 1; a Float32 sample is limited to that range, a NaN becomes 1.
 /// Errors:  false with a message in `error` (may be null); `out` is replaced only on success. A
-/// non-numeric field
-///          throws what std::stoull throws, a size beyond memory std::bad_alloc.
+///          non-numeric field throws what std::stoull throws, a size beyond memory std::bad_alloc.
 /// `wcs` is written only when the file holds a usable solution.
 bool loadXisf(const std::string& path, Image& out, Wcs& wcs, std::string* error);
 

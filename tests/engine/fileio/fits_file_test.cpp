@@ -448,6 +448,21 @@ TEST(FitsSolution, WrittenKeywordsHoldForRowsCountedFromTheBottom)
     EXPECT_NEAR(planeY, plane.y, 1e-14);
 }
 
+TEST(FitsSolution, APictureWithMoreRowsThanItsSolutionKnowsKeepsItsPlaces)
+{
+    zre::Wcs wcs;
+    ASSERT_TRUE(zre::makeSyntheticWcs(200.0, 45.0, 10.0, 25.0, 50, 40, wcs));
+    const std::string path = (zrtest::scratchFolder() / "taller.fits").string();
+    ASSERT_TRUE(zre::writeFits(path, zrtest::noise(50, 64, 0, 4), &wcs, nullptr));
+    zre::Image image;
+    zre::Wcs again;
+    ASSERT_TRUE(zre::loadFits(path, image, again, nullptr, nullptr));
+    const auto& before = wcs.solution->transformationOf()->matrix();
+    const auto& after = again.solution->transformationOf()->matrix();
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_NEAR(after[i], before[i], 1e-12) << i;
+}
+
 TEST(FitsFile, NamesThatAreSyntaxElsewhereAreJustNames)
 {
     // cfitsio reads brackets as image sections, "!" as an order to overwrite, "|" as a command.
