@@ -6,6 +6,8 @@
 #include "engine/stereo/gather.h"
 #include "engine/stereo/hole_fill.h"
 #include "engine/stereo/scatter.h"
+#include "engine/stereo/shift_gather.h"
+#include "engine/stereo/shift_scatter.h"
 
 namespace zre {
 
@@ -75,6 +77,35 @@ int rowReach(const Warp& warp, const Image& depth)
                : depth.height;
 }
 
+/// Row by row: once source row `y` has landed, nothing more reaches the output row `reach` above
+/// it; and the holes farther up are filled when all that their search can see is complete.
+template <typename Band, typename Landing, typename Sampling>
+void renderRows(const Warp& warp, const Image& depth, int reach, Landing& scatter, Sampling& gather,
+                Image& out, Image* outDepth)
+{
+    HoleFill<Band> holes(warp, out, outDepth);
+    const int height = out.height;
+    Band band(
+        out.width, height,
+        static_cast<int>(std::min<std::int64_t>(height, 2ll * reach + 2ll * holes.rowReach() + 1)));
+
+    const auto inside = [height](int row) { return row >= 0 && row < height; };
+    for (int row = 0; row < std::min(reach, height); ++row)
+        band.clear(row);
+    for (int y = 0; y < height + reach + holes.rowReach(); ++y) {
+        if (inside(y + reach))
+            band.clear(y + reach);
+        if (inside(y))
+            scatter.landRow(depth.plane(0) +
+                                static_cast<std::size_t>(y) * static_cast<std::size_t>(out.width),
+                            y, band);
+        if (inside(y - reach))
+            gather.fillRow(band, y - reach);
+        if (inside(y - reach - holes.rowReach()))
+            holes.fillRow(band, y - reach - holes.rowReach());
+    }
+}
+
 } // namespace
 
 void renderEye2D(const Image& src, const Image& depth, Image& out, double parallax,
@@ -90,30 +121,14 @@ void renderEye2D(const Image& src, const Image& depth, Image& out, double parall
         shapeDepth(*outDepth, src.width, src.height);
 
     const int reach = rowReach(warp, depth);
-    Scatter scatter(warp, src.width, src.height, reach, splat);
-    Gather gather(warp, src, out, outDepth);
-    HoleFill holes(warp, out, outDepth);
-    const int height = src.height;
-    LandingBand band(
-        src.width, height,
-        static_cast<int>(std::min<std::int64_t>(height, 2ll * reach + 2ll * holes.rowReach() + 1)));
-
-    // Row by row: once source row `y` has landed, nothing more reaches the output row `reach` above
-    // it; and the holes farther up are filled when all that their search can see is complete.
-    const auto inside = [height](int row) { return row >= 0 && row < height; };
-    for (int row = 0; row < std::min(reach, height); ++row)
-        band.clear(row);
-    for (int y = 0; y < height + reach + holes.rowReach(); ++y) {
-        if (inside(y + reach))
-            band.clear(y + reach);
-        if (inside(y))
-            scatter.landRow(depth.plane(0) +
-                                static_cast<std::size_t>(y) * static_cast<std::size_t>(src.width),
-                            y, band);
-        if (inside(y - reach))
-            gather.fillRow(band, y - reach);
-        if (inside(y - reach - holes.rowReach()))
-            holes.fillRow(band, y - reach - holes.rowReach());
+    if (warp.zoom == 0.0 && !splat) {
+        ShiftScatter scatter(warp, src.width, src.height, reach);
+        ShiftGather gather(warp, src, depth, out, outDepth);
+        renderRows<DepthBand>(warp, depth, reach, scatter, gather, out, outDepth);
+    } else {
+        Scatter scatter(warp, src.width, src.height, reach, splat);
+        Gather gather(warp, src, out, outDepth);
+        renderRows<LandingBand>(warp, depth, reach, scatter, gather, out, outDepth);
     }
 }
 

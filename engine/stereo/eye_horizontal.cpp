@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "engine/image/multiversion.h"
 #include "engine/stereo/eye.h"
 #include "engine/stereo/lanes.h"
+#include "engine/stereo/steady_range.h"
 #include "engine/stereo/warp.h"
 
 namespace zre {
@@ -28,44 +28,6 @@ struct LandingRow
     std::vector<int> source; ///< source column shown by each output cell
     std::vector<float> z;    ///< its depth
 };
-
-/// A range of depths that all move by the same whole number of columns, wherever they stand.
-struct SteadyRange
-{
-    float low = 1.0f;
-    float high = 0.0f;
-    int move = 0;
-};
-
-/// The range about `depth`. A shift grows or falls with the depth throughout, so that the ends
-/// speak for what lies between; the margin is far more than a column and a shift can round when
-/// they are added.
-SteadyRange steadyAround(const Warp& warp, float depth, int width)
-{
-    constexpr double kMargin = 1e-4;
-    constexpr double kMost = std::numeric_limits<float>::max();
-    const double shift = horizontalShift(warp, depth);
-    if (!(std::fabs(shift) < width))
-        return {};
-    const double move = std::floor(shift + 0.5);
-    const double gain = warp.offsetX * 0.5 * warp.parallax;
-    const double one = warp.convergence + (move - (0.5 - kMargin)) / gain;
-    const double other = warp.convergence + (move + (0.5 - kMargin)) / gain;
-    const auto low = static_cast<float>(std::max(std::min(one, other), -kMost));
-    const auto high = static_cast<float>(std::min(std::max(one, other), kMost));
-    const auto moves = [&](float d) {
-        return std::fabs(horizontalShift(warp, d) - move) < 0.5 - 0.5 * kMargin;
-    };
-    return moves(low) && moves(high) ? SteadyRange{low, high, static_cast<int>(move)}
-                                     : SteadyRange{};
-}
-
-bool holdsBlock(const SteadyRange& range, const float* depth)
-{
-    const Floats a = loadFloats(depth);
-    const Floats b = loadFloats(depth + 4);
-    return allSet((a >= range.low) & (a <= range.high) & (b >= range.low) & (b <= range.high));
-}
 
 void landPixels(const float* depth, Ints pixels, int* source, float* z)
 {
@@ -91,9 +53,9 @@ ZR_MULTIVERSION void land(const Warp& warp, const float* depth, int width, Landi
     int x = 0;
     for (; x + kBlock <= width; x += kBlock) {
         const float last = depth[x + kBlock - 1];
-        if (!(last >= steady.low && last <= steady.high))
-            steady = steadyAround(warp, last, width);
-        const int cell = x + steady.move;
+        if (!steady.holds(last))
+            steady = steadyAround(warp, last, width, 1);
+        const int cell = x + steady.x;
         if (cell >= 0 && cell + kBlock <= width && holdsBlock(steady, depth + x)) {
             int* const source = row.source.data() + cell;
             float* const z = row.z.data() + cell;

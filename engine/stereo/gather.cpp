@@ -45,10 +45,14 @@ struct Cells
     int height;
 };
 
-inline void placeCells(const Warp warp, const Cells cells, const std::int32_t* __restrict column,
-                       const std::int32_t* __restrict row, const float* __restrict z,
-                       double* __restrict fu, double* __restrict fv, std::int32_t* __restrict side)
+ZR_MULTIVERSION void placeRow(const Warp& callersWarp, const Cells& callersCells,
+                              const std::int32_t* __restrict column,
+                              const std::int32_t* __restrict row, const float* __restrict z,
+                              double* __restrict fu, double* __restrict fv,
+                              std::int32_t* __restrict side)
 {
+    const Warp warp = callersWarp;
+    const Cells cells = callersCells;
     const double y = cells.y;
     const int lastColumn = cells.width - 1;
     const int lastRow = cells.height - 1;
@@ -64,28 +68,6 @@ inline void placeCells(const Warp warp, const Cells cells, const std::int32_t* _
                             (row[i] >= lastRow) | (at.u >= sx + 1.0) | (at.v >= sy + 1.0);
         side[i] = (left ? kLeft : 0) | (up ? kUp : 0) | (border ? kBorder : 0);
     }
-}
-
-ZR_MULTIVERSION void placeRow(const Warp& warp, const Cells& cells,
-                              const std::int32_t* __restrict column,
-                              const std::int32_t* __restrict row, const float* __restrict z,
-                              double* __restrict fu, double* __restrict fv,
-                              std::int32_t* __restrict side)
-{
-    placeCells(warp, cells, column, row, z, fu, fv, side);
-}
-
-/// The same for a warp that only shifts.
-ZR_MULTIVERSION void placeShiftedRow(const Warp& callersWarp, const Cells& cells,
-                                     const std::int32_t* __restrict column,
-                                     const std::int32_t* __restrict row, const float* __restrict z,
-                                     double* __restrict fu, double* __restrict fv,
-                                     std::int32_t* __restrict side)
-{
-    Warp warp = callersWarp;
-    warp.zoom = 0.0;
-    warp.maxDisparity = 0.0;
-    placeCells(warp, cells, column, row, z, fu, fv, side);
 }
 
 ZR_MULTIVERSION void sampleRun(const float* __restrict middle, std::ptrdiff_t stride, int length,
@@ -175,9 +157,8 @@ void Gather::fillRow(const LandingBand& band, int y)
 
 void Gather::fillChunk(const Landed& landed, int x0, int size, int y)
 {
-    (onlyShifts(m_warp) ? placeShiftedRow
-                        : placeRow)(m_warp, {x0, size, y, m_src.width, m_src.height}, landed.column,
-                                    landed.row, landed.z, m_fu.data(), m_fv.data(), m_side.data());
+    placeRow(m_warp, {x0, size, y, m_src.width, m_src.height}, landed.column, landed.row, landed.z,
+             m_fu.data(), m_fv.data(), m_side.data());
     const auto end = static_cast<std::size_t>(size);
     for (std::size_t i = 0; i < end;) {
         const int x = x0 + static_cast<int>(i);
@@ -232,10 +213,9 @@ void Gather::fillCell(const Landed& landed, std::size_t i, int x, int y)
 {
     const std::size_t cell = indexOf(m_src, x, y);
     const std::int32_t side = m_side[i];
-    if (landed.column[i] == LandingBand::kHole) {
-        for (int c = 0; c < m_src.channels; ++c)
-            m_out.plane(c)[cell] = 0.0f;
-    } else if (side & kBorder) {
+    if (landed.column[i] == LandingBand::kHole)
+        return;
+    if (side & kBorder) {
         fillBorderCell(landed, i, x, y);
     } else {
         const int left = landed.column[i] - ((side & kLeft) ? 1 : 0);

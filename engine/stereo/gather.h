@@ -9,7 +9,8 @@
 namespace zre {
 
 /// Fills rows of the output from the pixels that landed there, sampled bilinearly where the warp
-/// would bring the source to the centre of the cell; holes become 0, and -1 in the depth.
+/// would bring the source to the centre of the cell. A hole becomes -1 in the depth; in the picture
+/// it is left to `HoleFill`.
 class Gather
 {
 public:

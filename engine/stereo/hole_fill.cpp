@@ -1,5 +1,8 @@
 #include "engine/stereo/hole_fill.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "engine/stereo/lanes.h"
 
 namespace zre {
@@ -27,7 +30,8 @@ int searchSteps(const Warp& warp, double offset, const Image& img)
 
 } // namespace
 
-struct HoleFill::Winner
+template <typename Band>
+struct HoleFill<Band>::Winner
 {
     bool found = false;
     float z = 0.0f;
@@ -35,7 +39,8 @@ struct HoleFill::Winner
     int y = 0;
 };
 
-HoleFill::HoleFill(const Warp& warp, Image& out, Image* outDepth)
+template <typename Band>
+HoleFill<Band>::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     : m_warp(warp)
     , m_out(out)
     , m_outDepth(outDepth)
@@ -47,33 +52,76 @@ HoleFill::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     if (m_offset > kNoOffset) {
         m_directionX = warp.offsetX / m_offset;
         m_directionY = warp.offsetY / m_offset;
+        m_laid = layWay(m_directionX, m_directionY, m_ahead) &&
+                 layWay(-m_directionX, -m_directionY, m_back);
     }
     const double slope = warp.zoom != 0.0 ? 1.0 : std::fabs(m_directionY);
     m_rowReach = static_cast<int>(std::ceil(m_steps * slope)) + 1;
 }
 
-void HoleFill::fillRow(const LandingBand& band, int y)
+/// The whole steps of a search; false when one is so near to between two cells that the rounding of
+/// the hole's own place decides.
+template <typename Band>
+bool HoleFill<Band>::layWay(double vx, double vy, Way& way) const
 {
-    if (m_steps == 0)
-        return;
-    const std::int32_t* const column = band.column(y);
+    constexpr double kMargin = 1e-4;
+    const auto clear = [](double place) {
+        const double fraction = place - std::floor(place);
+        return fraction > kMargin && fraction < 1.0 - kMargin;
+    };
+    for (int k = 1; k <= m_steps; ++k) {
+        const double x = k * vx + 0.5;
+        const double y = k * vy + 0.5;
+        if (!clear(x) || !clear(y))
+            return false;
+        const Step step{static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y))};
+        way.left = std::max(way.left, -step.x);
+        way.right = std::max(way.right, step.x);
+        way.steps.push_back(step);
+    }
+    return true;
+}
+
+template <typename Band>
+void HoleFill<Band>::aimWay(const Band& band, int y, int height, Way& way)
+{
+    way.marks.clear();
+    for (const Step& step : way.steps) {
+        if (y + step.y < 0 || y + step.y >= height)
+            return;
+        way.marks.push_back(static_cast<std::ptrdiff_t>(band.cell(0, y + step.y)) + step.x);
+    }
+}
+
+template <typename Band>
+void HoleFill<Band>::fillRow(const Band& band, int y)
+{
+    if (m_laid) {
+        aimWay(band, y, m_out.height, m_ahead);
+        aimWay(band, y, m_out.height, m_back);
+    }
+    const auto* const marks = band.marks() + band.cell(0, y);
     int x = 0;
     for (; x + kBlock <= m_out.width; x += kBlock) {
-        if (!anyNegative(column + x))
+        if (!anyEqual(marks + x, Band::kHole))
             continue;
         for (int k = x; k < x + kBlock; ++k)
-            if (column[k] == LandingBand::kHole)
+            if (marks[k] == Band::kHole)
                 fill(band, k, y);
     }
     for (; x < m_out.width; ++x)
-        if (column[x] == LandingBand::kHole)
+        if (marks[x] == Band::kHole)
             fill(band, x, y);
 }
 
-void HoleFill::fill(const LandingBand& band, int x, int y)
+template <typename Band>
+void HoleFill<Band>::fill(const Band& band, int x, int y)
 {
     Winner winner;
-    if (m_offset > kNoOffset)
+    if (m_laid && x >= std::max(m_ahead.left, m_back.left) &&
+        x + std::max(m_ahead.right, m_back.right) < m_out.width)
+        searchWays(band, x, y, winner);
+    else if (m_offset > kNoOffset)
         search(band, x, y, m_directionX, m_directionY, winner);
     if (m_warp.zoom != 0.0) {
         const double outX = x - m_warp.centerX;
@@ -82,21 +130,50 @@ void HoleFill::fill(const LandingBand& band, int x, int y)
         if (distance > 1e-6)
             search(band, x, y, outX / distance, outY / distance, winner);
     }
-    if (!winner.found)
-        return;
     const auto index = [this](int column, int row) {
         return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_out.width) +
                static_cast<std::size_t>(column);
     };
-    for (int c = 0; c < m_out.channels; ++c)
-        m_out.plane(c)[index(x, y)] = m_out.plane(c)[index(winner.x, winner.y)];
-    if (m_outDepth)
+    for (int c = 0; c < m_out.channels; ++c) {
+        float* const plane = m_out.plane(c);
+        plane[index(x, y)] = winner.found ? plane[index(winner.x, winner.y)] : 0.0f;
+    }
+    if (m_outDepth && winner.found)
         m_outDepth->plane(0)[index(x, y)] = winner.z;
 }
 
+/// The number of steps along a way before the first landed pixel; all of them when there is none.
+template <typename Band>
+std::size_t HoleFill<Band>::firstLanded(const Band& band, const Way& way, int x)
+{
+    const auto* const marks = band.marks();
+    std::size_t k = 0;
+    while (k < way.marks.size() && marks[way.marks[k] + x] == Band::kHole)
+        ++k;
+    return k;
+}
+
+/// Does what `search` does along the offset, for a cell from which no way leaves the row.
+template <typename Band>
+void HoleFill<Band>::searchWays(const Band& band, int x, int y, Winner& winner) const
+{
+    const std::size_t ahead = firstLanded(band, m_ahead, x);
+    const std::size_t back = firstLanded(band, m_back, x);
+    const auto proposeStep = [&](const Way& way, std::size_t k) {
+        if (k < way.marks.size())
+            propose(band, x + way.steps[k].x, y + way.steps[k].y, winner);
+    };
+    if (ahead <= back)
+        proposeStep(m_ahead, ahead);
+    proposeStep(m_back, back);
+    if (ahead > back)
+        proposeStep(m_ahead, ahead);
+}
+
 /// Looks along a direction, step by step both ways, for the first landed pixel of each.
-void HoleFill::search(const LandingBand& band, int x, int y, double vx, double vy,
-                      Winner& winner) const
+template <typename Band>
+void HoleFill<Band>::search(const Band& band, int x, int y, double vx, double vy,
+                            Winner& winner) const
 {
     bool forward = true;
     bool backward = true;
@@ -106,8 +183,9 @@ void HoleFill::search(const LandingBand& band, int x, int y, double vx, double v
     }
 }
 
-/// True when a pixel landed there; it wins when it is the farthest so far.
-bool HoleFill::visit(const LandingBand& band, double fx, double fy, Winner& winner) const
+/// True when a pixel landed there.
+template <typename Band>
+bool HoleFill<Band>::visit(const Band& band, double fx, double fy, Winner& winner) const
 {
     // Not below zero, so that truncation rounds down.
     const double cellX = fx + 0.5;
@@ -116,12 +194,22 @@ bool HoleFill::visit(const LandingBand& band, double fx, double fy, Winner& winn
         return false;
     const int x = static_cast<int>(cellX);
     const int y = static_cast<int>(cellY);
-    if (band.column(y)[x] == LandingBand::kHole)
+    if (band.marks()[band.cell(x, y)] == Band::kHole)
         return false;
+    propose(band, x, y, winner);
+    return true;
+}
+
+/// A landed pixel wins when it is the farthest so far.
+template <typename Band>
+void HoleFill<Band>::propose(const Band& band, int x, int y, Winner& winner)
+{
     const float z = band.z(y)[x];
     if (!winner.found || z < winner.z)
         winner = {true, z, x, y};
-    return true;
 }
+
+template class HoleFill<DepthBand>;
+template class HoleFill<LandingBand>;
 
 } // namespace zre

@@ -1,11 +1,17 @@
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
+#include "engine/stereo/depth_band.h"
 #include "engine/stereo/landing_band.h"
 #include "engine/stereo/warp.h"
 
 namespace zre {
 
-/// Fills the holes of a warp from the farthest pixel met along the motion, on either side.
+/// Fills the holes of a warp from the farthest pixel met along the motion, on either side; with 0
+/// where none is met. `Band` is a `DepthBand` or a `LandingBand`.
+template <typename Band>
 class HoleFill
 {
 public:
@@ -15,14 +21,36 @@ public:
     int rowReach() const { return m_rowReach; }
 
     /// Fills row `y`; the rows of `band` and of the output within `rowReach` are complete.
-    void fillRow(const LandingBand& band, int y);
+    void fillRow(const Band& band, int y);
 
 private:
+    struct Step
+    {
+        int x;
+        int y;
+    };
+
+    /// The search to one side along the eye's offset, the same from every cell.
+    struct Way
+    {
+        std::vector<Step> steps;
+        std::vector<std::ptrdiff_t>
+            marks;    ///< of the steps within the image, from the hole's column
+        int left = 0; ///< columns it needs on either side
+        int right = 0;
+    };
+
     struct Winner;
 
-    void fill(const LandingBand& band, int x, int y);
-    void search(const LandingBand& band, int x, int y, double vx, double vy, Winner& winner) const;
-    bool visit(const LandingBand& band, double fx, double fy, Winner& winner) const;
+    bool layWay(double vx, double vy, Way& way) const;
+    static void aimWay(const Band& band, int y, int height, Way& way);
+    static std::size_t firstLanded(const Band& band, const Way& way, int x);
+
+    void fill(const Band& band, int x, int y);
+    void searchWays(const Band& band, int x, int y, Winner& winner) const;
+    void search(const Band& band, int x, int y, double vx, double vy, Winner& winner) const;
+    bool visit(const Band& band, double fx, double fy, Winner& winner) const;
+    static void propose(const Band& band, int x, int y, Winner& winner);
 
     Warp m_warp;
     Image& m_out;
@@ -32,6 +60,9 @@ private:
     double m_directionY = 0.0;
     int m_steps = 0; ///< of the search in each direction
     int m_rowReach = 0;
+    bool m_laid = false; ///< the two ways stand
+    Way m_ahead;
+    Way m_back;
 };
 
 } // namespace zre

@@ -15,7 +15,8 @@ namespace zre {
 class LandingBand
 {
 public:
-    static constexpr std::int32_t kHole = -1;
+    using Mark = std::int32_t;
+    static constexpr Mark kHole = -1;
 
     /// Holds the last `rows` of the `height` rows that were cleared.
     LandingBand(int width, int height, int rows)
@@ -40,6 +41,9 @@ public:
     /// Depth of that pixel.
     float* z(int y) { return m_z.data() + start(y); }
     const float* z(int y) const { return m_z.data() + start(y); }
+
+    /// What is `kHole` in an empty cell.
+    const Mark* marks() const { return m_column.data(); }
 
     /// Where cell `x` of row `y` stands in the three planes.
     std::size_t cell(int x, int y) const { return start(y) + static_cast<std::size_t>(x); }

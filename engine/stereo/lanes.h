@@ -61,6 +61,16 @@ inline bool straight(const std::int32_t* column)
     return !anyBit(low | high);
 }
 
+/// True when one of the `kBlock` entries from `from` on equals `value`.
+inline bool anyEqual(const float* from, float value)
+{
+    return anyBit((loadFloats(from) == value) | (loadFloats(from + 4) == value));
+}
+inline bool anyEqual(const std::int32_t* from, std::int32_t value)
+{
+    return anyBit((loadInts(from) == value) | (loadInts(from + 4) == value));
+}
+
 /// True when one of the `kBlock` entries from `column` on is negative.
 inline bool anyNegative(const std::int32_t* column)
 {

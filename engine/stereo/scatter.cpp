@@ -17,9 +17,12 @@ struct RowAim
     int endRow;
 };
 
-inline void aimAtNearest(const Warp warp, const RowAim& aim, const float* __restrict depth,
-                         float* __restrict finite, int* __restrict column, int* __restrict row)
+ZR_MULTIVERSION void aimAtNearest(const Warp& callersWarp, const RowAim& callersAim,
+                                  const float* __restrict depth, float* __restrict finite,
+                                  int* __restrict column, int* __restrict row)
 {
+    const Warp warp = callersWarp;
+    const RowAim aim = callersAim;
     const double right = aim.width;
     const double top = aim.firstRow;
     const double bottom = aim.endRow;
@@ -36,23 +39,6 @@ inline void aimAtNearest(const Warp warp, const RowAim& aim, const float* __rest
         column[i] = static_cast<int>(inside ? cellX : right);
         row[i] = static_cast<int>(inside ? cellY : y);
     }
-}
-
-ZR_MULTIVERSION void aimRow(const Warp& warp, const RowAim& aim, const float* __restrict depth,
-                            float* __restrict finite, int* __restrict column, int* __restrict row)
-{
-    aimAtNearest(warp, aim, depth, finite, column, row);
-}
-
-/// The same for a warp that only shifts.
-ZR_MULTIVERSION void aimShiftedRow(const Warp& callersWarp, const RowAim& aim,
-                                   const float* __restrict depth, float* __restrict finite,
-                                   int* __restrict column, int* __restrict row)
-{
-    Warp warp = callersWarp;
-    warp.zoom = 0.0;
-    warp.maxDisparity = 0.0;
-    aimAtNearest(warp, aim, depth, finite, column, row);
 }
 
 inline int floorWithin(double value, double low, double high)
@@ -97,8 +83,7 @@ void Scatter::landRow(const float* depth, int y, LandingBand& band)
     const int endRow = std::min(m_height, y + m_reach + 1);
     for (int x = 0; x < m_width; x += kChunk) {
         const RowAim aim{x, std::min(kChunk, m_width - x), y, m_width, firstRow, endRow};
-        (onlyShifts(m_warp) ? aimShiftedRow : aimRow)(m_warp, aim, depth + x, m_depth.data(),
-                                                      m_column.data(), m_row.data());
+        aimAtNearest(m_warp, aim, depth + x, m_depth.data(), m_column.data(), m_row.data());
         const Chunk chunk{x, aim.size, y, firstRow, endRow};
         if (m_splat) {
             aimAtCorner(m_warp, aim, m_depth.data(), m_cornerColumn.data(), m_cornerRow.data());

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+namespace zre {
+
+/// The rows of a warp's output that are still in work when a depth alone tells how far its pixel
+/// moves: then the depth in a cell says which pixel landed there, too.
+///
+/// Row r + `rows` takes the place of row r, as in `LandingBand`. Each row has one cell beyond the
+/// image, for the pixels that leave it.
+class DepthBand
+{
+public:
+    static constexpr float kNothing = -1e30f; ///< what no pixel lands below
+
+    using Mark = float;
+    static constexpr Mark kHole = kNothing;
+
+    /// Holds the last `rows` of the rows that were cleared.
+    DepthBand(int width, int, int rows)
+        : m_rows(rows)
+        , m_stride(static_cast<std::size_t>(width) + 1)
+        , m_z(m_stride * static_cast<std::size_t>(rows))
+    {
+    }
+
+    /// Nearest depth in each cell of row `y`; `kNothing` for a hole.
+    float* z(int y) { return m_z.data() + start(y); }
+    const float* z(int y) const { return m_z.data() + start(y); }
+
+    /// What is `kHole` in an empty cell.
+    const Mark* marks() const { return m_z.data(); }
+
+    /// Where cell `x` of row `y` stands.
+    std::size_t cell(int x, int y) const { return start(y) + static_cast<std::size_t>(x); }
+
+    void clear(int y) { std::fill_n(z(y), m_stride, kNothing); }
+
+private:
+    std::size_t start(int y) const { return static_cast<std::size_t>(y % m_rows) * m_stride; }
+
+    int m_rows;
+    std::size_t m_stride;
+    std::vector<float> m_z;
+};
+
+} // namespace zre

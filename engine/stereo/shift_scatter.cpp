@@ -1,0 +1,79 @@
+#include "engine/stereo/shift_scatter.h"
+
+#include "engine/image/multiversion.h"
+#include "engine/stereo/lanes.h"
+#include "engine/stereo/steady_range.h"
+
+namespace zre {
+
+namespace {
+
+struct Rows
+{
+    int width;
+    int first; ///< rows that pixels may land on
+    int end;
+};
+
+/// Lands `size` neighbours, at most a block, one by one. Without a branch, which noise would have
+/// mispredicted: what leaves the image lands on the cell beyond it.
+ZR_KERNEL_STEP void landEach(const Warp& warp, const float* depth, int x0, int y, int size,
+                             const Rows& rows, DepthBand& band)
+{
+    float finite[kBlock];
+    int column[kBlock];
+    int row[kBlock];
+    const double right = rows.width;
+    const double top = rows.first;
+    const double bottom = rows.end;
+    for (int k = 0; k < size; ++k) {
+        finite[k] = finiteDepth(warp, depth[k]);
+        const Displacement moved = displacement(warp, 0.0, 0.0, finite[k]);
+        const double cellX = x0 + k + moved.x + 0.5;
+        const double cellY = y + moved.y + 0.5;
+        // Not below zero, so that truncation rounds down.
+        const bool inside = (cellX >= 0.0) & (cellX < right) & (cellY >= top) & (cellY < bottom);
+        column[k] = static_cast<int>(inside ? cellX : right);
+        row[k] = static_cast<int>(inside ? cellY : y);
+    }
+    for (int k = 0; k < size; ++k) {
+        float& z = band.z(row[k])[column[k]];
+        z = finite[k] > z ? finite[k] : z;
+    }
+}
+
+} // namespace
+
+/// Equal depths move alike, so that no cell is reached by two of them and the nearest is all there
+/// is to find out. Nearly all blocks move as one.
+ZR_MULTIVERSION static void landShifted(const Warp& callersWarp, const float* depth, int y,
+                                        int height, const Rows& rows, DepthBand& band)
+{
+    const Warp warp = callersWarp;
+    SteadyRange steady;
+    int x = 0;
+    for (; x + kBlock <= rows.width; x += kBlock) {
+        const float last = depth[x + kBlock - 1];
+        if (!steady.holds(last))
+            steady = steadyAround(warp, last, rows.width, height);
+        const int column = x + steady.x;
+        const int row = y + steady.y;
+        if (holdsBlock(steady, depth + x) && column >= 0 && column + kBlock <= rows.width &&
+            row >= rows.first && row < rows.end) {
+            float* const z = band.z(row) + column;
+            landFour(depth + x, z);
+            landFour(depth + x + 4, z + 4);
+        } else {
+            landEach(warp, depth + x, x, y, kBlock, rows, band);
+        }
+    }
+    landEach(warp, depth + x, x, y, rows.width - x, rows, band);
+}
+
+void ShiftScatter::landRow(const float* depth, int y, DepthBand& band) const
+{
+    landShifted(m_warp, depth, y, m_height,
+                {m_width, std::max(0, y - m_reach), std::min(m_height, y + m_reach + 1)}, band);
+}
+
+} // namespace zre
