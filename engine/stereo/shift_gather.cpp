@@ -95,6 +95,15 @@ struct Strides
     int channels;
 };
 
+/// Fetches the samples below a run into the cache, which the next row of the output will want:
+/// rows of the source are met in short runs that the processor does not foresee.
+ZR_KERNEL_STEP void fetchNextRow(const float* below, std::size_t stride, int length)
+{
+    constexpr int kPerLine = 16;
+    for (int k = 0; k < length; k += kPerLine)
+        __builtin_prefetch(below + stride + k);
+}
+
 /// Samples neighbours of every plane, from the upper left sample of the first cell on.
 ZR_MULTIVERSION void sampleEvenRun(const float* __restrict first, const Strides& strides,
                                    int length, const double* __restrict fu,
@@ -102,6 +111,7 @@ ZR_MULTIVERSION void sampleEvenRun(const float* __restrict first, const Strides&
 {
     for (int c = 0; c < strides.channels; ++c, first += strides.plane, out += strides.plane) {
         const float* const below = first + strides.row;
+        fetchNextRow(below, strides.row, length);
         for (int k = 0; k < length; ++k)
             out[k] = between(first[k], first[k + 1], below[k], below[k + 1], fu[k], fv[k]);
     }
@@ -119,6 +129,7 @@ ZR_MULTIVERSION void sampleMixedRun(const float* __restrict first, const Strides
     for (int c = 0; c < strides.channels; ++c, first += strides.plane, out += strides.plane) {
         const float* const middle = first + strides.row;
         const float* const below = middle + strides.row;
+        fetchNextRow(middle, strides.row, length);
         for (int k = 0; k < length; ++k) {
             const bool right = column[k] - k != firstColumn;
             const bool down = row[k] != firstRow;
