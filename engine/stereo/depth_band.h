@@ -18,12 +18,14 @@ public:
     using Mark = float;
     static constexpr Mark kHole = kNothing;
 
-    /// Holds the last `rows` of the rows that were cleared.
-    DepthBand(int width, int, int rows)
-        : m_rows(rows)
-        , m_stride(static_cast<std::size_t>(width) + 1)
+    /// Holds the last `rows` of the `height` rows that were cleared.
+    DepthBand(int width, int height, int rows)
+        : m_stride(static_cast<std::size_t>(width) + 1)
+        , m_start(static_cast<std::size_t>(height))
         , m_z(m_stride * static_cast<std::size_t>(rows))
     {
+        for (std::size_t y = 0; y < m_start.size(); ++y)
+            m_start[y] = y % static_cast<std::size_t>(rows) * m_stride;
     }
 
     /// Nearest depth in each cell of row `y`; `kNothing` for a hole.
@@ -39,10 +41,10 @@ public:
     void clear(int y) { std::fill_n(z(y), m_stride, kNothing); }
 
 private:
-    std::size_t start(int y) const { return static_cast<std::size_t>(y % m_rows) * m_stride; }
+    std::size_t start(int y) const { return m_start[static_cast<std::size_t>(y)]; }
 
-    int m_rows;
     std::size_t m_stride;
+    std::vector<std::size_t> m_start; ///< of each image row in the plane
     std::vector<float> m_z;
 };
 

@@ -45,6 +45,7 @@ HoleFill<Band>::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     , m_out(out)
     , m_outDepth(outDepth)
     , m_offset(std::sqrt(warp.offsetX * warp.offsetX + warp.offsetY * warp.offsetY))
+    , m_holes(static_cast<std::size_t>(out.width) + 1)
 {
     if (!(m_offset > kNoOffset) && warp.zoom == 0.0)
         return;
@@ -93,29 +94,68 @@ void HoleFill<Band>::aimWay(const Band& band, int y, int height, Way& way)
     }
 }
 
+/// All holes of the row are found, then all their winners, and then the planes are read one after
+/// the other, so that the cache misses of many holes overlap.
 template <typename Band>
 void HoleFill<Band>::fillRow(const Band& band, int y)
 {
+    listHoles(band, y);
     if (m_laid) {
         aimWay(band, y, m_out.height, m_ahead);
         aimWay(band, y, m_out.height, m_back);
     }
+    m_copies.clear();
+    for (std::size_t i = 0; i < m_holeCount; ++i)
+        fillFrom(winnerFor(band, m_holes[i], y), m_holes[i], y);
+    const auto copy = [this](float* plane) {
+        for (const Copy& c : m_copies)
+            plane[c.to] = plane[c.from];
+    };
+    for (int c = 0; c < m_out.channels; ++c)
+        copy(m_out.plane(c));
+    if (m_outDepth)
+        copy(m_outDepth->plane(0));
+}
+
+/// Without a branch for each cell, which noise would have mispredicted.
+template <typename Band>
+void HoleFill<Band>::listHoles(const Band& band, int y)
+{
     const auto* const marks = band.marks() + band.cell(0, y);
+    int* const holes = m_holes.data();
+    std::size_t count = 0;
     int x = 0;
-    for (; x + kBlock <= m_out.width; x += kBlock) {
-        if (!anyEqual(marks + x, Band::kHole))
-            continue;
-        for (int k = x; k < x + kBlock; ++k)
-            if (marks[k] == Band::kHole)
-                fill(band, k, y);
-    }
-    for (; x < m_out.width; ++x)
-        if (marks[x] == Band::kHole)
-            fill(band, x, y);
+    const auto list = [&](int end) {
+        for (; x < end; ++x) {
+            holes[count] = x;
+            count += marks[x] == Band::kHole ? 1 : 0;
+        }
+    };
+    while (x + kBlock <= m_out.width)
+        if (anyEqual(marks + x, Band::kHole))
+            list(x + kBlock);
+        else
+            x += kBlock;
+    list(m_out.width);
+    m_holeCount = count;
 }
 
 template <typename Band>
-void HoleFill<Band>::fill(const Band& band, int x, int y)
+void HoleFill<Band>::fillFrom(const Winner& winner, int x, int y)
+{
+    const auto index = [this](int column, int row) {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_out.width) +
+               static_cast<std::size_t>(column);
+    };
+    if (winner.found)
+        m_copies.push_back({index(x, y), index(winner.x, winner.y)});
+    else
+        for (int c = 0; c < m_out.channels; ++c)
+            m_out.plane(c)[index(x, y)] = 0.0f;
+}
+
+template <typename Band>
+typename HoleFill<Band>::Winner HoleFill<Band>::winnerFor(const Band& band, int x, int y) const
 {
     Winner winner;
     if (m_laid && x >= std::max(m_ahead.left, m_back.left) &&
@@ -130,16 +170,7 @@ void HoleFill<Band>::fill(const Band& band, int x, int y)
         if (distance > 1e-6)
             search(band, x, y, outX / distance, outY / distance, winner);
     }
-    const auto index = [this](int column, int row) {
-        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_out.width) +
-               static_cast<std::size_t>(column);
-    };
-    for (int c = 0; c < m_out.channels; ++c) {
-        float* const plane = m_out.plane(c);
-        plane[index(x, y)] = winner.found ? plane[index(winner.x, winner.y)] : 0.0f;
-    }
-    if (m_outDepth && winner.found)
-        m_outDepth->plane(0)[index(x, y)] = winner.z;
+    return winner;
 }
 
 /// The number of steps along a way before the first landed pixel; all of them when there is none.

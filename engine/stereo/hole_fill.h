@@ -42,11 +42,20 @@ private:
 
     struct Winner;
 
+    /// A hole of the row and the cell that it shows, as indices into a plane.
+    struct Copy
+    {
+        std::size_t to;
+        std::size_t from;
+    };
+
     bool layWay(double vx, double vy, Way& way) const;
     static void aimWay(const Band& band, int y, int height, Way& way);
     static std::size_t firstLanded(const Band& band, const Way& way, int x);
 
-    void fill(const Band& band, int x, int y);
+    void listHoles(const Band& band, int y);
+    void fillFrom(const Winner& winner, int x, int y);
+    Winner winnerFor(const Band& band, int x, int y) const;
     void searchWays(const Band& band, int x, int y, Winner& winner) const;
     void search(const Band& band, int x, int y, double vx, double vy, Winner& winner) const;
     bool visit(const Band& band, double fx, double fy, Winner& winner) const;
@@ -63,6 +72,9 @@ private:
     bool m_laid = false; ///< the two ways stand
     Way m_ahead;
     Way m_back;
+    std::vector<int> m_holes; ///< columns of the row's holes, and how many there are
+    std::size_t m_holeCount = 0;
+    std::vector<Copy> m_copies;
 };
 
 } // namespace zre

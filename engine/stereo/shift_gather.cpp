@@ -8,26 +8,24 @@ namespace zre {
 
 namespace {
 
-/// Column of a cell that samples at the border, or whose pixel moved by so nearly half a pixel that
-/// the rounding of its place decides where it landed.
-constexpr std::int32_t kOdd = -(1 << 30);
+/// Place of a cell whose pixel moved by so nearly half a pixel that the rounding of its own place
+/// decides where it landed.
+constexpr double kOdd = -(1 << 30);
 constexpr double kClearlyNearest = 0.5 - 1e-6;
 
-/// Some cells of a row of the output, and its shape.
+/// Some cells of a row of the output.
 struct Cells
 {
     int x;
     int size;
     int y;
-    int width;
-    int height;
 };
 
 struct Place
 {
     double first;    ///< of the two samples about the place
     double fraction; ///< of the way between them
-    bool clear;      ///< whether the source pixel is beyond doubt
+    double offset;   ///< of the place from the source pixel
 };
 
 /// Where the cell at `cell` samples its source along one axis. Its pixel stands at the nearest
@@ -37,27 +35,24 @@ ZR_KERNEL_STEP Place placeOf(double cell, double moved)
     const double source = cell - std::floor(moved + 0.5);
     const double offset = cell - (source + moved);
     const double way = (source + offset) - source;
-    const bool before = way < 0.0;
-    return {source - (before ? 1.0 : 0.0), way + (before ? 1.0 : 0.0),
-            std::fabs(offset) < kClearlyNearest};
+    const double before = way < 0.0 ? 1.0 : 0.0;
+    return {source - before, way + before, offset};
 }
 
 ZR_KERNEL_STEP void placeCells(const Warp warp, const Cells cells, const float* __restrict z,
                                double* __restrict fu, double* __restrict fv,
                                std::int32_t* __restrict column, std::int32_t* __restrict row)
 {
-    const double lastColumn = cells.width - 1;
-    const double lastRow = cells.height - 1;
     for (int i = 0; i < cells.size; ++i) {
         const Displacement moved = displacement(warp, 0.0, 0.0, z[i]);
         const Place u = placeOf(cells.x + i, moved.x);
         const Place v = placeOf(cells.y, moved.y);
-        const bool inside = u.clear & v.clear & (u.first >= 0.0) & (u.first < lastColumn) &
-                            (v.first >= 0.0) & (v.first < lastRow);
+        const bool clear =
+            (std::fabs(u.offset) < kClearlyNearest) & (std::fabs(v.offset) < kClearlyNearest);
         fu[i] = u.fraction;
         fv[i] = v.fraction;
-        column[i] = static_cast<std::int32_t>(inside ? u.first : kOdd);
-        row[i] = static_cast<std::int32_t>(inside ? v.first : kOdd);
+        column[i] = static_cast<std::int32_t>(clear ? u.first : kOdd);
+        row[i] = static_cast<std::int32_t>(clear ? v.first : kOdd);
     }
 }
 
@@ -217,8 +212,7 @@ void ShiftGather::bridgeHoles(const float* z, int size, float& last)
 void ShiftGather::fillChunk(const float* z, int x0, int size, int y)
 {
     (onlyShifts(m_warp) ? placeShifted : placeClamped)(
-        m_warp, {x0, size, y, m_src.width, m_src.height}, m_z.data(), m_fu.data(), m_fv.data(),
-        m_column.data(), m_row.data());
+        m_warp, {x0, size, y}, m_z.data(), m_fu.data(), m_fv.data(), m_column.data(), m_row.data());
     const auto end = static_cast<std::size_t>(size);
     for (std::size_t i = 0; i < end;) {
         const int x = x0 + static_cast<int>(i);
@@ -228,11 +222,17 @@ void ShiftGather::fillChunk(const float* z, int x0, int size, int y)
             continue;
         const std::size_t blockEnd = std::min(i + kBlock, end);
         for (int k = 0; i < blockEnd; ++i, ++k)
-            if (m_column[i] != kOdd)
+            if (inside(m_column[i], m_row[i], 1, 1))
                 fillCell(i, x + k, y);
             else if (z[i] != DepthBand::kNothing)
                 fillOddCell(z[i], x + k, y);
     }
+}
+
+/// True when the image holds that sample, as many columns right of it and as many rows below it.
+bool ShiftGather::inside(int column, int row, int right, int down) const
+{
+    return column >= 0 && column + right < m_src.width && row >= 0 && row + down < m_src.height;
 }
 
 /// True when the block of cells from `i` on samples neighbouring places.
@@ -241,7 +241,7 @@ bool ShiftGather::even(std::size_t i) const
     return straight(m_column.data() + i) && level(m_row.data() + i);
 }
 
-/// How many cells from `i` on, by whole blocks, sample neighbouring places.
+/// How many cells from `i` on, by whole blocks, sample neighbouring places in the image.
 int ShiftGather::evenLength(std::size_t i, std::size_t size) const
 {
     std::size_t block = i;
@@ -249,7 +249,8 @@ int ShiftGather::evenLength(std::size_t i, std::size_t size) const
         if (!even(block) || m_column[block] != m_column[i] + static_cast<std::int32_t>(block - i) ||
             m_row[block] != m_row[i])
             break;
-    return static_cast<int>(block - i);
+    const auto length = static_cast<int>(block - i);
+    return inside(m_column[i], m_row[i], length, 1) ? length : 0;
 }
 
 /// How many do so but for one column and one row; none once a block can do without that.
@@ -262,7 +263,7 @@ int ShiftGather::mixedLength(std::size_t i, std::size_t size, std::int32_t colum
                                       column + static_cast<std::int32_t>(block - i), row))
             break;
     const auto length = static_cast<int>(block - i);
-    return row + 2 < m_src.height && column + length + 1 < m_src.width ? length : 0;
+    return inside(column, row, length + 1, 2) ? length : 0;
 }
 
 /// Fills the longest run of blocks from `i` on that can be sampled as neighbours; its length.

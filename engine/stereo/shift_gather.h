@@ -21,6 +21,7 @@ public:
 
 private:
     void bridgeHoles(const float* z, int size, float& last);
+    bool inside(int column, int row, int right, int down) const;
     bool even(std::size_t i) const;
     int evenLength(std::size_t i, std::size_t size) const;
     int mixedLength(std::size_t i, std::size_t size, std::int32_t column, std::int32_t row) const;

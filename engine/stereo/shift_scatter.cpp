@@ -42,14 +42,11 @@ ZR_KERNEL_STEP void landEach(const Warp& warp, const float* depth, int x0, int y
     }
 }
 
-} // namespace
-
 /// Equal depths move alike, so that no cell is reached by two of them and the nearest is all there
 /// is to find out. Nearly all blocks move as one.
-ZR_MULTIVERSION static void landShifted(const Warp& callersWarp, const float* depth, int y,
-                                        int height, const Rows& rows, DepthBand& band)
+ZR_KERNEL_STEP void landAll(const Warp& warp, const float* depth, int y, int height,
+                            const Rows& rows, DepthBand& band)
 {
-    const Warp warp = callersWarp;
     SteadyRange steady;
     int x = 0;
     for (; x + kBlock <= rows.width; x += kBlock) {
@@ -70,10 +67,29 @@ ZR_MULTIVERSION static void landShifted(const Warp& callersWarp, const float* de
     landEach(warp, depth + x, x, y, rows.width - x, rows, band);
 }
 
+ZR_MULTIVERSION void landClamped(const Warp& callersWarp, const float* depth, int y, int height,
+                                 const Rows& rows, DepthBand& band)
+{
+    Warp warp = callersWarp;
+    warp.zoom = 0.0;
+    landAll(warp, depth, y, height, rows, band);
+}
+
+ZR_MULTIVERSION void landShifted(const Warp& callersWarp, const float* depth, int y, int height,
+                                 const Rows& rows, DepthBand& band)
+{
+    Warp warp = callersWarp;
+    warp.zoom = 0.0;
+    warp.maxDisparity = 0.0;
+    landAll(warp, depth, y, height, rows, band);
+}
+
+} // namespace
+
 void ShiftScatter::landRow(const float* depth, int y, DepthBand& band) const
 {
-    landShifted(m_warp, depth, y, m_height,
-                {m_width, std::max(0, y - m_reach), std::min(m_height, y + m_reach + 1)}, band);
+    const Rows rows{m_width, std::max(0, y - m_reach), std::min(m_height, y + m_reach + 1)};
+    (onlyShifts(m_warp) ? landShifted : landClamped)(m_warp, depth, y, m_height, rows, band);
 }
 
 } // namespace zre
