@@ -143,7 +143,9 @@ static QString objection(const ParamKey& row, const QString& value)
     if (!number)
         return start + "is not " + rangeText(row, kind) + '.';
     const std::optional<ParamLimits> limits = limitsOf(row);
-    if (limits && (*number < limits->min || *number > limits->max))
+    // In the precision of the field: a bound's own text form may lie a hair beyond the double.
+    const auto held = [](double bound) { return static_cast<float>(bound); };
+    if (limits && (held(*number) < held(limits->min) || held(*number) > held(limits->max)))
         return start + "is out of range: " + rangeText(row, kind) + " is expected.";
     return {};
 }

@@ -106,6 +106,9 @@ TEST(ParamList, BothEndsOfEveryRangeAreTakenAndNothingBeyond)
         };
         EXPECT_TRUE(takes(info.min)) << info.name.toStdString();
         EXPECT_TRUE(takes(info.max)) << info.name.toStdString();
+        for (const double end : {info.min, info.max}) // as a float holds it, and as a text tells it
+            EXPECT_TRUE(takes(static_cast<double>(static_cast<float>(end))))
+                << info.name.toStdString();
         EXPECT_FALSE(takes(info.min - 1)) << info.name.toStdString();
         EXPECT_FALSE(takes(info.max * 1.01 + 1)) << info.name.toStdString();
     }
