@@ -271,4 +271,28 @@ bool findPicture(std::span<const std::uint8_t> file, FitsUnit& unit, std::string
     return fail(error, "the FITS file holds no image.");
 }
 
+std::vector<std::uint8_t> plainTableHeader(const FitsUnit& unit)
+{
+    constexpr std::array<std::string_view, 7> others{"ZQUANTIZ", "ZBLANK", "ZSCALE", "ZZERO",
+                                                     "BZERO",    "BSCALE", "BLANK"};
+    std::string header;
+    for (const acl::FITSKeyword& keyword : unit.cards) {
+        const bool plain = std::all_of(keyword.value.begin(), keyword.value.end(),
+                                       [](char c) { return c >= ' ' && c <= '~'; });
+        const bool needed = isStructural(keyword.name) ||
+                            std::find(others.begin(), others.end(), keyword.name) != others.end();
+        if (!plain || !needed)
+            continue;
+        std::string card = keyword.name;
+        card.resize(8, ' ');
+        card += "= " + keyword.value;
+        card.resize(kCardBytes, ' ');
+        header += card;
+    }
+    header += "END";
+    header.resize((header.size() + kFitsRecordBytes - 1) / kFitsRecordBytes * kFitsRecordBytes,
+                  ' ');
+    return {header.begin(), header.end()};
+}
+
 } // namespace zre::fileio

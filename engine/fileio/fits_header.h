@@ -54,4 +54,8 @@ struct FitsUnit
 /// False with a message.
 bool findPicture(std::span<const std::uint8_t> file, FitsUnit& unit, std::string* error);
 
+/// A header of whole records for the table of a compressed unit, with only what decoding it takes,
+/// as `findPicture` read it: nothing is left that another reader could read otherwise.
+std::vector<std::uint8_t> plainTableHeader(const FitsUnit& unit);
+
 } // namespace zre::fileio

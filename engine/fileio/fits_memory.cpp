@@ -53,9 +53,15 @@ void FitsReader::placeAlone(std::span<const std::uint8_t> file, const FitsUnit& 
         size = unit.end + padding;
         return;
     }
+    std::size_t begin = unit.begin;
     if (!unit.primary)
         copy = emptyPrimary();
-    const auto bytes = file.subspan(unit.begin, unit.end - unit.begin);
+    if (unit.compressed) {
+        const std::vector<std::uint8_t> header = plainTableHeader(unit);
+        copy.insert(copy.end(), header.begin(), header.end());
+        begin = unit.dataBegin;
+    }
+    const auto bytes = file.subspan(begin, unit.end - begin);
     copy.reserve(copy.size() + bytes.size() + padding);
     copy.insert(copy.end(), bytes.begin(), bytes.end());
     copy.resize(copy.size() + padding);
