@@ -4,6 +4,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <lz4.h>
+#include <zlib.h>
+#include <zstd.h>
 
 #include "engine/codec/text_codec.h"
 
@@ -25,7 +28,38 @@ Bytes bytesOf(const std::string& text)
     return {text.begin(), text.end()};
 }
 
+/// The fewest bytes that the library of `codec` makes of `size` zeros.
+std::size_t packedZeros(const std::string& codec, std::size_t size)
+{
+    const Bytes zeros(size);
+    Bytes packed(size + 1024);
+    if (codec == "zlib") {
+        uLongf length = packed.size();
+        EXPECT_EQ(compress2(packed.data(), &length, zeros.data(), size, 9), Z_OK);
+        return length;
+    }
+    if (codec == "zstd")
+        return ZSTD_compress(packed.data(), packed.size(), zeros.data(), size, 19);
+    return static_cast<std::size_t>(LZ4_compress_default(
+        reinterpret_cast<const char*>(zeros.data()), reinterpret_cast<char*>(packed.data()),
+        static_cast<int>(size), static_cast<int>(packed.size())));
+}
+
 } // namespace
+
+TEST(CanExpand, WhatACodecReachesPassesAndTwiceAsMuchDoesNot)
+{
+    constexpr std::size_t kSize = std::size_t{16} << 20;
+    for (const char* codec : {"zlib", "lz4", "lz4hc", "zstd"}) {
+        const std::size_t packed = packedZeros(codec, kSize);
+        zre::BlockCompression how;
+        how.codec = codec;
+        how.uncompressedSize = kSize;
+        EXPECT_TRUE(zre::canExpand(packed, how, nullptr)) << codec << " of " << packed;
+        how.uncompressedSize = 2 * kSize;
+        EXPECT_FALSE(zre::canExpand(packed, how, nullptr)) << codec << " of " << packed;
+    }
+}
 
 TEST(Unshuffle, PutsEveryByteWhereTheDefinitionSays)
 {

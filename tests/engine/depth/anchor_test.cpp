@@ -106,6 +106,24 @@ TEST(Anchor, ThicknessScalesTheSpreadInsideTheObject)
     EXPECT_NEAR(top(thin), top(whole) * 0.25f, 0.002);
 }
 
+TEST(Anchor, AThinObjectIsFittedOverASpanOfItsOwn)
+{
+    Image depth(100, 1, 0);
+    std::fill(depth.data.begin(), depth.data.end(), 0.54f);
+    depth.data[3] = 0.52f;
+    depth.data[4] = 0.5f;
+    ZRParams p = anchored(0.8f);
+    p.floorAuto = false;
+    p.backgroundFloor = 0.5f;
+    Image out;
+    zre::applyAnchor(depth, p, out);
+    // The object stands in bin 552, 0.04 above the floor; the fit is full 0.08 above it.
+    const double move = 0.8 - 552.5 / 1024.0;
+    EXPECT_NEAR(out.data[0], 0.54 + 0.5 * move, 1e-5);
+    EXPECT_NEAR(out.data[3], 0.52 + 0.25 * move, 1e-5);
+    EXPECT_EQ(out.data[4], 0.5f);
+}
+
 TEST(Anchor, TheFitIsALinearWayToTheFullMove)
 {
     const Image depth = objectOnBackground();
