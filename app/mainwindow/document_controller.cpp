@@ -1,42 +1,24 @@
 #include "app/mainwindow/document_controller.h"
 
-#include <exception>
-#include <memory>
 #include <utility>
 
-#include <QEventLoop>
+#include <QCoreApplication>
 #include <QFileInfo>
-#include <QThread>
+#include <QScopedValueRollback>
 
 #include "app/mainwindow/openable_file.h"
 #include "app/mainwindow/prompter.h"
+#include "app/mainwindow/run_aside.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/persist/recent_files.h"
+#include "app/session/carry_over.h"
 #include "app/session/open_document.h"
+#include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 #include "engine/demo/demo_scene.h"
 
+static constexpr const char* kDialog = appcfg::kSettings.imageDialog.key;
 static constexpr int kPreparingPercent = 30;
-
-/// Runs `work` on a thread of its own while the window stays painted; user input waits. An
-/// exception of `work` comes out here.
-static void runAside(const std::function<void()>& work)
-{
-    std::exception_ptr failure;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
-        try {
-            work();
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    }));
-    QEventLoop loop;
-    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    thread->start();
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    thread->wait();
-    if (failure)
-        std::rethrow_exception(failure);
-}
 
 QString documentName(const Session& session)
 {
@@ -44,6 +26,12 @@ QString documentName(const Session& session)
         return {};
     return session.sourcePath.isEmpty() ? QString("Built-in scene")
                                         : QFileInfo(session.sourcePath).fileName();
+}
+
+QString windowTitleFor(const Session& session)
+{
+    const QString program = QCoreApplication::applicationName();
+    return session.hasSource() ? documentName(session) + " - " + program : program;
 }
 
 QString openedText(const Session& session)
@@ -62,9 +50,21 @@ QString openedText(const Session& session)
     return text;
 }
 
+void DocumentController::newDocument()
+{
+    if (m_host.isBusy())
+        return;
+    m_host.session().clear();
+    m_host.pipeline().clear();
+    m_host.documentReplaced();
+    m_host.showStatus("New. Open an image to begin.");
+}
+
 void DocumentController::openImage()
 {
-    const QString path = m_host.prompter().openFile("Open Image", m_folder, imageFileFilter());
+    const QString path = m_host.prompter().openFile(
+        "Open Image", appcfg::dialogStartPath(kDialog, {}, appcfg::Preferred::WorkFolder),
+        imageFileFilter());
     if (!path.isEmpty())
         loadImageFromPath(path);
 }
@@ -74,8 +74,10 @@ bool DocumentController::loadImageFromPath(const QString& path)
     const bool opened = openWith([&path](Session& loaded, QString* error) {
         return openSource(path, StretchMode::Auto, loaded, nullptr, error);
     });
-    if (opened)
-        m_folder = QFileInfo(path).absolutePath();
+    if (opened) {
+        appcfg::rememberDialogPath(kDialog, path);
+        recent::pushFile(appcfg::RecentCategory::Images, path);
+    }
     return opened;
 }
 
@@ -94,26 +96,66 @@ void DocumentController::openProjectFromCommandLine(const QString& path)
         loadImageFromPath(path);
 }
 
+static QSize sizeOf(const zre::Image& image)
+{
+    return {image.width, image.height};
+}
+
+int DocumentController::askCarrySession(int newWidth, int newHeight)
+{
+    const Session& session = m_host.session();
+    const QSize oldSize = sizeOf(session.source);
+    const QSize newSize(newWidth, newHeight);
+    const QStringList items = carryableItems(session);
+    if (!session.hasSource() || items.isEmpty() || !sameProportions(oldSize, newSize))
+        return kStartFresh;
+    return m_host.prompter()
+        .choose("Zerrith", carryOverQuestion(oldSize, newSize, items),
+                {"Carry over", "Start fresh"})
+        .value_or(kCancel);
+}
+
 bool DocumentController::openWith(const Load& load)
 {
-    if (m_host.isBusy())
+    if (m_host.isBusy() || m_asking)
         return false;
-    bool opened = false;
+    Session loaded;
+    if (!decode(load, loaded))
+        return false;
+    const QScopedValueRollback<bool> asking(m_asking, true);
+    const int answer = askCarrySession(loaded.source.width, loaded.source.height);
+    if (answer == kCancel)
+        return false;
+    return m_host.busyRun([&] { install(std::move(loaded), answer == kCarryOver); });
+}
+
+bool DocumentController::decode(const Load& load, Session& loaded)
+{
+    bool done = false;
     QString error;
     m_host.busyRun([&] {
         const ProgressScope progress(m_host, "Opening image", "Loading image...");
-        Session loaded;
-        runAside([&] { opened = load(loaded, &error); });
-        if (!opened)
-            return;
-        m_host.stageStatus(kPreparingPercent, "Preparing image...");
-        m_host.session().installSource(loaded.sourcePath, std::move(loaded.source),
-                                       std::move(loaded.wcs), std::move(loaded.sourceFile));
-        m_host.stageStatus(kPreparingPercent, "Rendering...");
-        m_host.documentReplaced();
-        m_host.showStatus(openedText(m_host.session()));
+        runAside([&] { done = load(loaded, &error); });
+        if (done)
+            m_host.stageStatus(kPreparingPercent, "Preparing image...");
     });
     if (!error.isEmpty())
         m_host.prompter().warn("Open Image", error);
-    return opened;
+    return done;
+}
+
+void DocumentController::install(Session loaded, bool carryOver)
+{
+    const ProgressScope progress(m_host, "Opening image", "Preparing image...");
+    m_host.stageStatus(kPreparingPercent, "Preparing image...");
+    Session& session = m_host.session();
+    if (carryOver)
+        rescaleSession(session, sizeOf(session.source), sizeOf(loaded.source));
+    else
+        session.installExternalDepth({}, {});
+    session.installSource(std::move(loaded.sourcePath), std::move(loaded.source),
+                          std::move(loaded.wcs), std::move(loaded.sourceFile));
+    m_host.stageStatus(kPreparingPercent, "Rendering...");
+    m_host.documentReplaced();
+    m_host.showStatus(openedText(session));
 }

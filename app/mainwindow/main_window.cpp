@@ -35,14 +35,20 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_stages(*statusBar(), *this)
     , m_preview(new PreviewView(this))
     , m_render(*this, [this](QImage picture) { m_preview->setPreview(std::move(picture)); })
+    , m_recent(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
+               opener(&MainWindow::loadColorProfileFile))
+    , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
+              opener(&MainWindow::loadColorProfileFile))
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
     , m_preferences(*this, *this, [this] { m_toolbar->applyGroups(); })
 {
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
     });
-    connect(m_preview, &PreviewView::imageDropped, this, &MainWindow::loadImageFromPath,
-            Qt::QueuedConnection); // a failure's box must not hold up the program dragged from
+    m_preview->setDropOffer([this](const QList<QUrl>& urls) { return m_drops.offer(urls); });
+    const auto takeDrop = [this](const QList<QUrl>& urls) { m_drops.take(urls); };
+    connect(m_preview, &PreviewView::filesDropped, this, takeDrop,
+            Qt::QueuedConnection); // a box must not hold up the program dragged from
     connect(m_preview, &PreviewView::zoomChanged, this, &MainWindow::showZoom);
     buildMenus();
     m_toolbar = new MainToolbar(*this);
@@ -52,7 +58,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     m_preview->setEmptyState(new EmptyState(findChild<QAction*>("openImage"),
                                             findChild<QAction*>("openBuiltInScene"), m_preview));
     setCentralWidget(m_preview);
-    setWindowTitle(QApplication::applicationName());
+    setWindowTitle(windowTitleFor(m_session));
     resize(1280, 800);
     restoreGeometry(appcfg::windowGeometry());
     updateGates();
@@ -60,6 +66,11 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
 }
 
 MainWindow::~MainWindow() = default;
+
+std::function<void(const QString&)> MainWindow::opener(bool (MainWindow::*open)(const QString&))
+{
+    return [this, open](const QString& path) { (this->*open)(path); };
+}
 
 void MainWindow::buildMenus()
 {
@@ -69,10 +80,24 @@ void MainWindow::buildMenus()
     static constexpr const char* kView = "&View";
     static constexpr const char* kHelp = "&Help";
     static constexpr std::array kRows{
+        ActionRow{kFile, "newDocument", "&New", Key::New, "Ctrl+N", Gate::Always,
+                  &MainWindow::newDocument},
         ActionRow{kFile, "openImage", "&Open Image...", Key::Open, "Ctrl+O", Gate::Always,
                   &MainWindow::openImage},
         ActionRow{kFile, "openBuiltInScene", "Open &Built-in Scene", Key::UnknownKey, "",
                   Gate::Always, &MainWindow::openBuiltInScene},
+        ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kFile, "loadDepthMap", "Load &Depth Map...", Key::UnknownKey, "Ctrl+D",
+                  Gate::NeedsImage, &MainWindow::loadDepthMap},
+        ActionRow{kFile, "viewDepthMap", "&View Depth Map", Key::UnknownKey, "",
+                  Gate::NeedsDepthMap, &MainWindow::viewDepthMap},
+        ActionRow{kFile, "clearDepthMap", "C&lear Depth Map", Key::UnknownKey, "",
+                  Gate::NeedsDepthMap, &MainWindow::clearDepthMap},
+        ActionRow{kFile, "loadColorProfile", "Load &Color Depth Profile...", Key::UnknownKey, "",
+                  Gate::NeedsImage, &MainWindow::loadColorProfile},
+        ActionRow{kFile, "saveColorProfile", "Save C&olor Depth Profile...", Key::UnknownKey, "",
+                  Gate::NeedsImage, &MainWindow::saveColorProfile},
+        ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
         ActionRow{kFile, "saveImage", "&Export View...", Key::UnknownKey, "Ctrl+E",
                   Gate::NeedsImage, &MainWindow::saveImage},
         ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
@@ -98,6 +123,10 @@ void MainWindow::buildMenus()
     addViewActions(menuTitled(kView));
     for (const ActionRow& row : kRows)
         addRow(row);
+    m_recentMenu = new QMenu(tr("Open &Recent"), this);
+    m_recentMenu->setObjectName("recentMenu");
+    menuTitled(kFile).insertMenu(findChild<QAction*>("openBuiltInScene"), m_recentMenu);
+    connect(m_recentMenu, &QMenu::aboutToShow, this, &MainWindow::buildRecentMenu);
 }
 
 void MainWindow::addViewActions(QMenu& menu)
@@ -167,15 +196,37 @@ void MainWindow::runStartupNotices()
 void MainWindow::updateGates()
 {
     for (const GatedAction& row : m_actions)
-        row.action->setEnabled(row.gate == Gate::Always || m_session.hasSource());
+        row.action->setEnabled(isOpen(row.gate));
+}
+
+bool MainWindow::isOpen(Gate gate) const
+{
+    switch (gate) {
+    case Gate::NeedsImage:
+        return m_session.hasSource();
+    case Gate::NeedsDepthMap:
+        return m_session.externalDepth.usable();
+    case Gate::Always:
+        break;
+    }
+    return true;
 }
 
 void MainWindow::documentReplaced()
 {
     m_preview->zoomToFit();
-    setWindowTitle(documentName(m_session) + " - " + QApplication::applicationName());
-    renderNow();
+    setWindowTitle(windowTitleFor(m_session));
+    for (QAction* view : m_views->actions())
+        view->setChecked(view->data().toInt() == m_session.outputMode);
+    m_render.showDocument();
     updateGates();
+}
+
+void MainWindow::documentChanged(const zre::ZRParams& params, const QString& /*label*/)
+{
+    m_session.params = params;
+    updateGates();
+    renderNow();
 }
 
 void MainWindow::showZoom(double scale, bool fitted)
@@ -213,6 +264,11 @@ bool MainWindow::renderCurrentViewFullRes(zre::Image& out)
 void MainWindow::openProjectFromCommandLine(const QString& path)
 {
     m_documents.openProjectFromCommandLine(path);
+}
+
+void MainWindow::buildRecentMenu()
+{
+    m_recent.buildRecentMenu(*m_recentMenu);
 }
 
 void MainWindow::quit()

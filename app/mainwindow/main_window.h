@@ -6,9 +6,13 @@
 #include <QMainWindow>
 
 #include "app/mainwindow/busy_guard.h"
+#include "app/mainwindow/color_profile_controller.h"
+#include "app/mainwindow/depth_map_controller.h"
 #include "app/mainwindow/document_controller.h"
+#include "app/mainwindow/drop_controller.h"
 #include "app/mainwindow/preferences_controller.h"
 #include "app/mainwindow/prompter.h"
+#include "app/mainwindow/recent_controller.h"
 #include "app/mainwindow/render_controller.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/mainwindow/stage_display.h"
@@ -24,7 +28,8 @@ class QActionGroup;
 enum class Gate
 {
     Always,
-    NeedsImage
+    NeedsImage,
+    NeedsDepthMap
 };
 
 /// The program's window: owns the session and the controllers, builds menus and bars, and forwards.
@@ -37,9 +42,21 @@ public:
     explicit MainWindow(std::unique_ptr<Prompter> prompter = nullptr);
     ~MainWindow() override;
 
+    void newDocument() { m_documents.newDocument(); }
     bool loadImageFromPath(const QString& path) { return m_documents.loadImageFromPath(path); }
     void openProjectFromCommandLine(const QString& path);
     void openBuiltInScene() { m_documents.openBuiltInScene(); }
+    int askCarrySession(int width, int height)
+    {
+        return m_documents.askCarrySession(width, height);
+    }
+    bool loadDepthMapFile(const QString& path) { return m_depthMaps.loadDepthMapFile(path); }
+    bool loadColorProfileFile(const QString& path)
+    {
+        return m_colorProfiles.loadColorProfileFile(path);
+    }
+    void openRecentFile(const QString& path) { m_recent.openRecentFile(path); }
+    void openRecentDepthMap(const QString& path) { m_recent.openRecentDepthMap(path); }
     void saveImage() { m_stills.saveImage(); }
     /// What the user is told once the window is up.
     void runStartupNotices();
@@ -73,15 +90,24 @@ private:
     void installProgress(const QString& title, const QString& text) override;
     void removeProgress() override { m_stages.removeProgress(); }
     void documentReplaced() override;
+    void documentChanged(const zre::ZRParams& params, const QString& label) override;
 
+    std::function<void(const QString&)> opener(bool (MainWindow::*open)(const QString&));
     void buildMenus();
     void addViewActions(QMenu& menu);
     void addRow(const ActionRow& row);
     QMenu& menuTitled(const QString& title);
     void updateGates();
+    bool isOpen(Gate gate) const;
     void showZoom(double scale, bool fitted);
 
+    void buildRecentMenu();
     void openImage() { m_documents.openImage(); }
+    void loadDepthMap() { m_depthMaps.loadDepthMap(); }
+    void viewDepthMap() { m_depthMaps.viewDepthMap(); }
+    void clearDepthMap() { m_depthMaps.clearDepthMap(); }
+    void loadColorProfile() { m_colorProfiles.loadColorProfile(); }
+    void saveColorProfile() { m_colorProfiles.saveColorProfile(); }
     void quit();
     void zoomIn();
     void zoomOut();
@@ -99,9 +125,14 @@ private:
     PreviewView* m_preview; ///< owned by the window
     RenderController m_render;
     DocumentController m_documents{*this};
+    DepthMapController m_depthMaps{*this};
+    ColorProfileController m_colorProfiles{*this};
+    RecentController m_recent;
+    DropController m_drops;
     StillController m_stills;
     PreferencesController m_preferences;
     MainToolbar* m_toolbar = nullptr; ///< owned by the window
     QActionGroup* m_views = nullptr;  ///< owned by the window
+    QMenu* m_recentMenu = nullptr;    ///< owned by the window
     std::vector<GatedAction> m_actions;
 };

@@ -10,14 +10,6 @@ bool isOpenableImage(const QString& path)
     return file.isFile() && imageExts().contains(file.suffix(), Qt::CaseInsensitive);
 }
 
-QString droppedImage(const QList<QUrl>& urls)
-{
-    for (const QUrl& url : urls)
-        if (url.isLocalFile() && isOpenableImage(url.toLocalFile()))
-            return url.toLocalFile();
-    return {};
-}
-
 // Both cases of each suffix: cameras write JPG, and file dialogs match by case on this system.
 QString imageFileFilter()
 {

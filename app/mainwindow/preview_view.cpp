@@ -9,16 +9,32 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "app/mainwindow/openable_file.h"
-
 namespace {
 
 constexpr QColor kBackdrop(0x1c, 0x1c, 0x1e); // neutral, so that it tints no judgement of colour
+constexpr QColor kPlate(0, 0, 0, 180);
+constexpr int kPlateMargin = 12;
 constexpr double kWheelNotch = 1.25;
 constexpr double kNotchDegrees = 120.0; // eighths of a degree, as the toolkit counts them
 constexpr double kKeyPanPixels = 64.0;
 /// Beyond this magnification pixels are shown as the squares they are.
 constexpr double kSmoothUpTo = 2.0;
+
+/// Words on a dark plate about `center`, readable over any picture.
+void paintPlate(QPainter& painter, const QString& text, QPointF center)
+{
+    QRectF plate = painter.fontMetrics().boundingRect(text);
+    plate.adjust(-kPlateMargin, -kPlateMargin / 2, kPlateMargin, kPlateMargin / 2);
+    plate.moveCenter(center);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kPlate);
+    painter.drawRoundedRect(plate, 5, 5);
+    painter.setPen(Qt::white);
+    painter.drawText(plate, Qt::AlignCenter, text);
+    painter.restore();
+}
 
 } // namespace
 
@@ -37,13 +53,18 @@ void PreviewView::setPreview(QImage picture)
 {
     m_pyramid = ImagePyramid(std::move(picture));
     syncViewSize();
-    m_transform.setImageSize(m_pyramid.size());
+    m_transform.setImageSize(m_pyramid.size().expandedTo({0, 0}));
     if (m_emptyState && m_emptyState->isVisibleTo(this) != m_pyramid.isNull()) {
         m_emptyState->setVisible(m_pyramid.isNull());
         setFocus();
     }
     setCursor(m_pyramid.isNull() ? Qt::ArrowCursor : Qt::OpenHandCursor);
     transformChanged();
+}
+
+void PreviewView::setDropOffer(std::function<QString(const QList<QUrl>&)> offer)
+{
+    m_dropOffer = std::move(offer);
 }
 
 void PreviewView::setEmptyState(QWidget* widget)
@@ -93,14 +114,22 @@ void PreviewView::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), kBackdrop);
     if (!m_pyramid.isNull())
         paintPicture(painter);
-    if (m_dropHighlight) {
-        const QColor accent = palette().color(QPalette::Highlight);
-        QColor veil = accent;
-        veil.setAlphaF(0.18F);
-        painter.fillRect(rect(), veil);
-        painter.setPen(QPen(accent, 4));
-        painter.drawRect(QRectF(rect()).adjusted(2, 2, -2, -2));
-    }
+    if (!m_dropText.isEmpty())
+        paintDropOffer(painter);
+}
+
+void PreviewView::paintDropOffer(QPainter& painter)
+{
+    const QColor accent = palette().color(QPalette::Highlight);
+    QColor veil = accent;
+    veil.setAlphaF(0.18F);
+    painter.fillRect(rect(), veil);
+    painter.setPen(QPen(accent, 4));
+    painter.drawRect(QRectF(rect()).adjusted(2, 2, -2, -2));
+
+    const QString text =
+        fontMetrics().elidedText(m_dropText, Qt::ElideMiddle, width() - 6 * kPlateMargin);
+    paintPlate(painter, text, rect().center());
 }
 
 /// The pixels of `rect`, which lies within `picture` (Format_RGB32), without a copy of them.
@@ -223,31 +252,34 @@ void PreviewView::keyPressEvent(QKeyEvent* event)
     transformChanged();
 }
 
-void PreviewView::setDropHighlight(bool on)
+void PreviewView::setDropText(const QString& text)
 {
-    m_dropHighlight = on;
+    m_dropText = text;
     update();
+}
+
+QString PreviewView::offerFor(const QMimeData* files) const
+{
+    return m_dropOffer && files->hasUrls() ? m_dropOffer(files->urls()) : QString();
 }
 
 void PreviewView::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (droppedImage(event->mimeData()->urls()).isEmpty())
-        return;
-    setDropHighlight(true);
-    event->acceptProposedAction();
+    setDropText(offerFor(event->mimeData()));
+    if (!m_dropText.isEmpty())
+        event->acceptProposedAction();
 }
 
 void PreviewView::dragLeaveEvent(QDragLeaveEvent*)
 {
-    setDropHighlight(false);
+    setDropText({});
 }
 
 void PreviewView::dropEvent(QDropEvent* event)
 {
-    setDropHighlight(false);
-    const QString path = droppedImage(event->mimeData()->urls());
-    if (path.isEmpty())
+    setDropText({});
+    if (offerFor(event->mimeData()).isEmpty())
         return;
     event->acceptProposedAction();
-    emit imageDropped(path);
+    emit filesDropped(event->mimeData()->urls());
 }

@@ -1,10 +1,16 @@
 #include "app/mainwindow/prompter.h"
 
+#include <utility>
+
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/mainwindow/preview_view.h"
 
 QString DesktopPrompter::openFile(const QString& title, const QString& startAt,
                                   const QString& filter)
@@ -65,4 +71,32 @@ void DesktopPrompter::tell(const QString& title, const QString& richText)
     box.setTextFormat(Qt::RichText);
     box.setTextInteractionFlags(Qt::TextBrowserInteraction);
     box.exec();
+}
+
+std::optional<int> DesktopPrompter::choose(const QString& title, const QString& text,
+                                           const QStringList& choices)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Cancel, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    QList<QAbstractButton*> buttons;
+    for (const QString& choice : choices)
+        buttons << box.addButton(choice, QMessageBox::AcceptRole);
+    box.setDefaultButton(qobject_cast<QPushButton*>(buttons.value(0)));
+    box.exec();
+    const qsizetype chosen = buttons.indexOf(box.clickedButton());
+    return chosen < 0 ? std::nullopt : std::optional(static_cast<int>(chosen));
+}
+
+void DesktopPrompter::showPicture(const QString& title, QImage picture)
+{
+    QDialog dialog(m_parent);
+    dialog.setWindowTitle(title);
+    dialog.resize(960, 640);
+    auto* view = new PreviewView(&dialog);
+    view->setAcceptDrops(false);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins({});
+    layout->addWidget(view);
+    view->setPreview(std::move(picture));
+    dialog.exec();
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include <QColor>
-#include <QString>
+#include <QImage>
+#include <QStringList>
 
 class QWidget;
 
@@ -30,6 +33,12 @@ public:
     virtual void warn(const QString& title, const QString& text) = 0;
     /// A box of information; `richText` may hold simple HTML.
     virtual void tell(const QString& title, const QString& richText) = 0;
+    /// A question with a button for each of `choices`, the first being the default, and one to
+    /// cancel. The index of the choice; nothing when the user cancels.
+    virtual std::optional<int> choose(const QString& title, const QString& text,
+                                      const QStringList& choices) = 0;
+    /// A picture of its own, until the user closes it.
+    virtual void showPicture(const QString& title, QImage picture) = 0;
 };
 
 /// Asks through the desktop's dialogs, above `parent`.
@@ -49,6 +58,9 @@ public:
                 const QString& offer) override;
     void warn(const QString& title, const QString& text) override;
     void tell(const QString& title, const QString& richText) override;
+    std::optional<int> choose(const QString& title, const QString& text,
+                              const QStringList& choices) override;
+    void showPicture(const QString& title, QImage picture) override;
 
 private:
     QWidget* m_parent; ///< not owned

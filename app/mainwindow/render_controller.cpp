@@ -19,6 +19,14 @@ void RenderController::onOutputModeChanged(int view)
     renderNow();
 }
 
+void RenderController::showDocument()
+{
+    if (m_host.session().hasSource())
+        renderNow();
+    else
+        m_show({});
+}
+
 void RenderController::renderNow()
 {
     if (!m_host.session().hasSource())

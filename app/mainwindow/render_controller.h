@@ -17,6 +17,8 @@ public:
 
     /// Another output view was chosen.
     void onOutputModeChanged(int view);
+    /// Another document, or none, stands in the session.
+    void showDocument();
     /// The whole chain, under the wait cursor; nothing without a source.
     void renderNow();
     /// Renders the current view and shows it, with its status text.

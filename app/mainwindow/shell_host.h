@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include "engine/params/params.h"
+
 class Prompter;
 class RenderPipeline;
 struct Session;
@@ -28,8 +30,12 @@ public:
     virtual void installProgress(const QString& title, const QString& text) = 0;
     virtual void removeProgress() = 0;
 
-    /// Another image stands in the session: shows the whole of it and enables what needs one.
+    /// Another image, or none, stands in the session: shows the whole of it and enables what has a
+    /// subject.
     virtual void documentReplaced() = 0;
+    /// The open document goes on with a part of it changed and with `params` as its parameters,
+    /// which the user knows as the one step `label`: shows all of it and renders.
+    virtual void documentChanged(const zre::ZRParams& params, const QString& label) = 0;
 
 protected:
     ~ShellHost() = default;

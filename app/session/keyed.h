@@ -22,6 +22,9 @@ public:
         return value;
     }
 
+    /// The value if it stands under `key`, else null.
+    const T* peek(const QString& key) const { return stored && *stored == key ? &value : nullptr; }
+
     void clear()
     {
         stored.reset();

@@ -30,6 +30,13 @@ bool openDepthMap(const QString& path, Session& session, QString* error)
     return true;
 }
 
+void switchDepthMapOn(zre::ZRParams& params)
+{
+    params.depthMapEnabled = true;
+    if (params.depthMapBlend == 0.0f)
+        params.depthMapBlend = 1.0f;
+}
+
 static bool isGrey(const zre::Image& picture)
 {
     const float* red = picture.plane(0);

@@ -17,6 +17,10 @@ bool openSource(const QString& path, StretchMode stretch, Session& session, QIma
 /// Errors as `openSource`. Parameters stay: whether the map counts is theirs to say.
 bool openDepthMap(const QString& path, Session& session, QString* error);
 
+/// A depth map that the user names is meant to count, though parameters leave it out by default:
+/// switches it on, and blends it fully where no share was chosen.
+void switchDepthMapOn(zre::ZRParams& params);
+
 /// The depths of a picture: a grey picture's own values bit for bit, or the luma 0.299 R + 0.587 G
 /// + 0.114 B of a coloured one, whose greys keep their value. (CIE lightness would bend them.) An
 /// image that is not usable stays as it is.

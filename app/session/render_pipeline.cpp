@@ -97,6 +97,14 @@ void RenderPipeline::setStageReporter(std::function<void(int, const QString&)> r
     stageReporter = std::move(reporter);
 }
 
+void RenderPipeline::clear()
+{
+    cueDepth.clear();
+    anchoredDepth.clear();
+    finalDepth.clear();
+    depthMedian.clear();
+}
+
 void RenderPipeline::stage(int percent, const QString& text) const
 {
     if (stageReporter)
@@ -187,6 +195,11 @@ const zre::Image* RenderPipeline::cachedDepth()
         ++builds.final;
         zre::compositeDepthModel(anchored, session.params, depthInputs(), out);
     });
+}
+
+const zre::Image* RenderPipeline::standingDepth() const
+{
+    return session.hasSource() ? finalDepth.peek(depthCacheKey(true, true)) : nullptr;
 }
 
 void RenderPipeline::computeCleanDepth(zre::Image& out)

@@ -42,6 +42,9 @@ public:
     /// Receives the stage of long steps: percent of the whole, and a text for the user.
     void setStageReporter(std::function<void(int, const QString&)> reporter);
 
+    /// Drops every image that it keeps.
+    void clear();
+
     /// Brings the working image up to date: the image that depth and eyes are made from.
     void prepareInputs();
     const zre::Image& working() const;
@@ -52,6 +55,8 @@ public:
     QString depthCacheKey(bool includeModel, bool includeAnchor) const;
     /// The final depth level, up to date; null without a source.
     const zre::Image* cachedDepth();
+    /// The final depth level if it stands and is up to date, without any work; else null.
+    const zre::Image* standingDepth() const;
     /// Cue and anchor levels only, without the depth model.
     void computeCleanDepth(zre::Image& out);
 

@@ -2,6 +2,13 @@
 
 #include <utility>
 
+void Session::clear()
+{
+    const int next = generation + 1;
+    *this = Session();
+    generation = next;
+}
+
 void Session::installSource(QString path, zre::Image image, zre::Wcs solution, DecodedFile file)
 {
     sourcePath = std::move(path);

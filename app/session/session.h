@@ -25,6 +25,8 @@ struct Session
 
     bool hasSource() const { return source.usable(); }
 
+    /// Empties the document and sets its parameters back; `generation` rises.
+    void clear();
     /// Replaces the source and its solution and raises `generation`.
     void installSource(QString path, zre::Image image, zre::Wcs solution, DecodedFile file);
     /// Replaces the external depth map; an image that is not usable removes it.

@@ -111,14 +111,6 @@ Outcome readParameterFile(const QString& path, Session& session, Console& consol
     return outcome.isDone() ? checkRanges(path, session.params) : outcome;
 }
 
-/// A map that is named is meant to count, though the parameters leave it out by default.
-void switchDepthMapOn(zre::ZRParams& params)
-{
-    params.depthMapEnabled = true;
-    if (params.depthMapBlend == 0.0f)
-        params.depthMapBlend = 1.0f;
-}
-
 Outcome setOne(const QString& assignment, Session& session)
 {
     const qsizetype equals = assignment.indexOf(QLatin1Char('='));

@@ -34,11 +34,6 @@ struct SolutionReport
 /// Nothing without a solution, or when the centre does not map.
 std::optional<SolutionReport> describeSolution(const zre::Wcs& wcs, int width, int height);
 
-/// "08:44:44.32", in hours.
-QString sexagesimalRa(double raDeg);
-/// "-41:18:58.1".
-QString sexagesimalDec(double decDeg);
-
 QJsonObject toJson(const SolutionReport& report);
 QString toText(const SolutionReport& report);
 

@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "app/export/still_file.h"
+#include "app/persist/recent_files.h"
 #include "engine/demo/demo_scene.h"
 #include "tests/app/mainwindow/fake_host.h"
+#include "tests/app/private_settings.h"
 #include "tests/support/testkit.h"
 
 static QString scratch(const std::string& name)
@@ -30,6 +32,7 @@ static QString sceneFile(const std::string& name, int width, int height)
 
 struct Documents : testing::Test
 {
+    PrivateSettings own;
     FakeHost host;
     DocumentController documents{host};
 };
@@ -126,4 +129,97 @@ TEST_F(Documents, LinearDataSayHowTheyAreStretched)
         << qPrintable(host.statuses.back());
     EXPECT_GT(*std::max_element(host.document.source.data.begin(), host.document.source.data.end()),
               0.2f);
+}
+
+static void giveDepthMap(Session& session)
+{
+    session.installExternalDepth("map.png",
+                                 zrtest::noise(session.source.width, session.source.height, 0, 4));
+}
+
+TEST_F(Documents, AnImageOfTwiceTheSizeAsksAndCarriesTheMapOver)
+{
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("small.xisf", 48, 32)));
+    giveDepthMap(host.document);
+    host.document.params.flybyFrameW = 20;
+    const int generation = host.document.generation;
+    host.script.choices = {DocumentController::kCarryOver};
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("large.xisf", 96, 64)));
+    ASSERT_EQ(host.script.questions.size(), 1);
+    EXPECT_EQ(host.script.questions[0].toStdString(),
+              "Zerrith|The new images are 96 x 64 px, the same proportions as the current 48 x 32 "
+              "px at 2x the scale.\n\nThis can be carried over:\n    - the external depth map, "
+              "resampled|Carry over|Start fresh");
+    EXPECT_EQ(host.document.source.width, 96);
+    EXPECT_EQ(host.document.externalDepth.width, 96);
+    EXPECT_EQ(host.document.externalDepth.height, 64);
+    EXPECT_EQ(host.document.params.flybyFrameW, 40);
+    EXPECT_GT(host.document.generation, generation);
+}
+
+TEST_F(Documents, CancellingTheCarryQuestionKeepsEverything)
+{
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("first.xisf", 48, 32)));
+    giveDepthMap(host.document);
+    const Session before = host.document;
+    EXPECT_FALSE(documents.loadImageFromPath(sceneFile("second.xisf", 96, 64)));
+    EXPECT_EQ(host.script.questions.size(), 1);
+    EXPECT_EQ(host.document.generation, before.generation);
+    EXPECT_EQ(host.document.sourcePath, before.sourcePath);
+    EXPECT_TRUE(zrtest::imagesNear(host.document.source, before.source, 0));
+    EXPECT_TRUE(zrtest::imagesNear(host.document.externalDepth, before.externalDepth, 0));
+    EXPECT_EQ(host.replaced, 1);
+    EXPECT_EQ(recent::entries(appcfg::RecentCategory::Images).size(), 1);
+}
+
+TEST_F(Documents, StartingFreshDropsTheMapAndOtherProportionsDoSoUnasked)
+{
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("one.xisf", 48, 32)));
+    giveDepthMap(host.document);
+    host.document.params.flybyFrameW = 20;
+    host.script.choices = {DocumentController::kStartFresh};
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("two.xisf", 96, 64)));
+    EXPECT_FALSE(host.document.externalDepth.usable());
+    EXPECT_EQ(host.document.params.flybyFrameW, 20);
+    EXPECT_EQ(host.script.questions.size(), 1);
+
+    giveDepthMap(host.document);
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("three.xisf", 98, 64))); // 2 percent off
+    EXPECT_FALSE(host.document.externalDepth.usable());
+    EXPECT_EQ(host.script.questions.size(), 1);
+}
+
+TEST_F(Documents, NothingToCarryAsksNothing)
+{
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("bare.xisf", 48, 32)));
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("next.xisf", 96, 64)));
+    EXPECT_TRUE(host.script.questions.isEmpty());
+}
+
+TEST_F(Documents, ANewDocumentIsEmptyAndNoCacheAnswersForTheOldOne)
+{
+    ASSERT_TRUE(documents.loadImageFromPath(sceneFile("old.xisf", 48, 32)));
+    giveDepthMap(host.document);
+    host.document.params.parallaxAmount = 50.0f;
+    host.document.outputMode = 1;
+    host.pipeline().cachedDepth();
+    ASSERT_NE(host.pipeline().standingDepth(), nullptr);
+    const int generation = host.document.generation;
+    documents.newDocument();
+    EXPECT_FALSE(host.document.hasSource() || host.document.externalDepth.usable());
+    EXPECT_FALSE(host.document.wcs.valid);
+    EXPECT_EQ(host.document.params.parallaxAmount, zre::ZRParams().parallaxAmount);
+    EXPECT_EQ(host.document.outputMode, 2);
+    EXPECT_GT(host.document.generation, generation);
+    EXPECT_EQ(host.pipeline().standingDepth(), nullptr);
+    EXPECT_EQ(host.statuses.back(), "New. Open an image to begin.");
+}
+
+TEST_F(Documents, ImagesEnterTheListOfRecentOnesButTheBuiltInSceneHasNoFile)
+{
+    const QString path = sceneFile("listed.xisf", 48, 32);
+    ASSERT_TRUE(documents.loadImageFromPath(path));
+    EXPECT_FALSE(documents.loadImageFromPath(scratch("absent.png")));
+    EXPECT_EQ(recent::entries(appcfg::RecentCategory::Images), QStringList(path));
+    EXPECT_TRUE(recent::entries(appcfg::RecentCategory::DepthMaps).isEmpty());
 }

@@ -15,6 +15,7 @@ public:
     Session document;
     Script script;
     QStringList statuses;
+    QStringList steps; ///< labels of the changes made to the open document
     int replaced = 0;
 
     Session& session() override { return document; }
@@ -27,6 +28,11 @@ public:
     void installProgress(const QString&, const QString& text) override { statuses << text; }
     void removeProgress() override {}
     void documentReplaced() override { ++replaced; }
+    void documentChanged(const zre::ZRParams& params, const QString& label) override
+    {
+        document.params = params;
+        steps << label;
+    }
 
 private:
     RenderPipeline m_pipeline{document};

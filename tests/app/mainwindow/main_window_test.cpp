@@ -5,6 +5,7 @@
 #include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
+#include <QPushButton>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -121,6 +122,46 @@ TEST_F(Window, ADroppedImageOpensAndOtherDropsAreRefused)
     EXPECT_TRUE(drop({QUrl::fromLocalFile(path)}));
     EXPECT_EQ(status(), "dropped.png  -  120 x 80");
     EXPECT_EQ(window.windowTitle().section(" - ", 0, 0), "dropped.png");
+}
+
+TEST_F(Window, ANewDocumentClearsTheScreenAndItsActions)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("old.png")));
+    ASSERT_TRUE(window.loadDepthMapFile(noiseFile("old_depth.png")));
+    EXPECT_TRUE(action("clearDepthMap")->isEnabled());
+    action("view.depth")->trigger();
+    action("newDocument")->trigger();
+    EXPECT_FALSE(action("clearDepthMap")->isEnabled() || action("saveImage")->isEnabled());
+    EXPECT_TRUE(action("view.anaglyph")->isChecked());
+    EXPECT_EQ(window.windowTitle(), QApplication::applicationName());
+    EXPECT_EQ(window.findChild<QLabel*>("zoomText")->text(), "");
+    EXPECT_TRUE(preview.findChild<QPushButton*>()->isVisible());
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("next.png")));
+    EXPECT_EQ(shown(), expectedView(noiseFile("next.png"), 2));
+}
+
+TEST_F(Window, EveryActionOnAnEmptySessionLeavesItEmpty)
+{
+    // Those that open a documentor a dialog of their own, and the one that ends it all.
+    const QStringList others{"openBuiltInScene", "preferences", "quit"};
+    for (QAction* each : window.findChildren<QAction*>())
+        if (!others.contains(each->objectName()))
+            each->trigger();
+    EXPECT_TRUE(script.warned.isEmpty()) << qPrintable(script.warned.join('\n'));
+    EXPECT_FALSE(action("saveImage")->isEnabled());
+    EXPECT_EQ(window.windowTitle(), QApplication::applicationName());
+}
+
+TEST_F(Window, TheMapBesideTheImageShowsInTheDepthView)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("with.png")));
+    action("view.depth")->trigger();
+    const QImage before = shown();
+    EXPECT_TRUE(drop({QUrl::fromLocalFile(noiseFile("with_depth.png"))}));
+    EXPECT_NE(shown(), before);
+    EXPECT_EQ(status(), "Depth map loaded: with_depth.png  -  120 x 80");
+    action("clearDepthMap")->trigger();
+    EXPECT_EQ(shown(), before);
 }
 
 TEST_F(Window, AFailureLeavesTheDocumentOnTheScreen)

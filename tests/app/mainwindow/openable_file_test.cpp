@@ -23,13 +23,3 @@ TEST(OpenableFile, OnlyAnExistingFileWithAnImageSuffixCounts)
     EXPECT_FALSE(isOpenableImage(folder + "/absent.png"));
     EXPECT_FALSE(isOpenableImage(""));
 }
-
-TEST(OpenableFile, ADropTakesItsFirstLocalImage)
-{
-    const QUrl image = QUrl::fromLocalFile(touched("one.png"));
-    const QUrl other = QUrl::fromLocalFile(touched("two.tif"));
-    const QUrl text = QUrl::fromLocalFile(touched("notes.txt"));
-    EXPECT_EQ(droppedImage({text, image, other}), image.toLocalFile());
-    EXPECT_EQ(droppedImage({QUrl("https://example.org/one.png"), text}), "");
-    EXPECT_EQ(droppedImage({}), "");
-}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <utility>
 
 #include <QStringList>
 
@@ -14,6 +15,10 @@ struct Script
     QStringList asked; ///< "title|startAt|filter"
     QStringList warned;
     QStringList told;
+    std::deque<int> choices; ///< taken by questions with buttons; beyond the last: cancelled
+    QStringList questions;   ///< "title|text|button|button..."
+    QStringList pictureTitles;
+    QImage lastPicture;
 };
 
 class ScriptedPrompter final : public Prompter
@@ -54,6 +59,21 @@ public:
     void tell(const QString& title, const QString& richText) override
     {
         m_script.told << title + "|" + richText;
+    }
+    std::optional<int> choose(const QString& title, const QString& text,
+                              const QStringList& choices) override
+    {
+        m_script.questions << title + "|" + text + "|" + choices.join('|');
+        if (m_script.choices.empty())
+            return std::nullopt;
+        const int next = m_script.choices.front();
+        m_script.choices.pop_front();
+        return next;
+    }
+    void showPicture(const QString& title, QImage picture) override
+    {
+        m_script.pictureTitles << title;
+        m_script.lastPicture = std::move(picture);
     }
 
 private:

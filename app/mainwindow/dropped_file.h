@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+/// What letting a file go over the window does.
+enum class DropKind
+{
+    Nothing,
+    Image,
+    DepthMap,
+    ImageOrDepthMap, ///< the name leaves it open, so the user is asked
+    ColorProfile
+};
+
+struct DroppedFile
+{
+    DropKind kind = DropKind::Nothing;
+    QString path;
+};
+
+/// The first file of `urls` that can be used. Only beside an open image (`imageOpen`) is there a
+/// use for depth maps, recognised by their names, and for profiles.
+DroppedFile droppedFile(const QList<QUrl>& urls, bool imageOpen);
+
+/// What will happen, for the user to read before letting go; empty for `Nothing`.
+QString dropText(const DroppedFile& file);

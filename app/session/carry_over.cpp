@@ -1,0 +1,71 @@
+#include "app/session/carry_over.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "app/session/session.h"
+#include "engine/image/raster.h"
+
+static constexpr double kLargestAspectChange = 0.01;
+static constexpr int kSmallestFrameSide = 16;
+
+QStringList carryableItems(const Session& session)
+{
+    QStringList items;
+    if (session.externalDepth.usable())
+        items << "the external depth map, resampled";
+    return items;
+}
+
+bool sameProportions(QSize oldSize, QSize newSize)
+{
+    if (oldSize.isEmpty() || newSize.isEmpty())
+        return false;
+    const double oldAspect = double(oldSize.width()) / oldSize.height();
+    const double newAspect = double(newSize.width()) / newSize.height();
+    return std::abs(newAspect - oldAspect) <= kLargestAspectChange * oldAspect;
+}
+
+QString carryOverQuestion(QSize oldSize, QSize newSize, const QStringList& items)
+{
+    const double scale = double(newSize.width()) / oldSize.width();
+    QString text = QString("The new images are %1 x %2 px, the same proportions as the current "
+                           "%3 x %4 px at %5x the scale.")
+                       .arg(newSize.width())
+                       .arg(newSize.height())
+                       .arg(oldSize.width())
+                       .arg(oldSize.height())
+                       .arg(QString::number(scale, 'g', 3));
+    text += "\n\nThis can be carried over:";
+    for (const QString& item : items)
+        text += "\n    - " + item;
+    return text;
+}
+
+/// A side of the flight's frame; 0 means the image's own and stays.
+static int rescaledSide(int side, double scale, int largest)
+{
+    if (side <= 0)
+        return side;
+    const double rescaled = std::floor(side * scale + 0.5);
+    return std::max(kSmallestFrameSide, static_cast<int>(std::min<double>(rescaled, largest)));
+}
+
+void rescaleSession(Session& session, QSize oldSize, QSize newSize)
+{
+    if (oldSize.isEmpty() || newSize.isEmpty())
+        return;
+    zre::ZRParams& params = session.params;
+    params.flybyFrameW = rescaledSide(params.flybyFrameW, double(newSize.width()) / oldSize.width(),
+                                      newSize.width());
+    params.flybyFrameH = rescaledSide(
+        params.flybyFrameH, double(newSize.height()) / oldSize.height(), newSize.height());
+
+    const zre::Image& map = session.externalDepth;
+    if (!map.usable() || QSize(map.width, map.height) == newSize)
+        return;
+    zre::Image resampled;
+    zre::areaResample(map, newSize.width(), newSize.height(), resampled);
+    session.installExternalDepth(session.depthMapPath, std::move(resampled));
+}
