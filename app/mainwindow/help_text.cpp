@@ -18,6 +18,7 @@ constexpr std::array kGestures{
     Gesture{"Wheel", "Zoom to the cursor"},
     Gesture{"Drag", "Move the picture"},
     Gesture{"Arrow keys", "Move the picture"},
+    Gesture{"Space, held", "Look at the source"},
     Gesture{"Double click", "Whole picture, or actual pixels"},
 };
 

@@ -14,9 +14,11 @@
 #include "app/mainwindow/help_text.h"
 #include "app/mainwindow/main_toolbar.h"
 #include "app/mainwindow/preview_view.h"
+#include "app/mainwindow/readout.h"
 #include "app/persist/appcfg.h"
 #include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
+#include "engine/qt/zre_qt.h"
 
 /// One menu entry. A row without a name is a separator.
 struct MainWindow::ActionRow
@@ -28,13 +30,17 @@ struct MainWindow::ActionRow
     const char* furtherKeys; ///< separated by "; "
     Gate gate;
     void (MainWindow::*trigger)();
+    void (MainWindow::*toggle)(bool) = nullptr; ///< instead of `trigger`: an action to be checked
 };
 
 MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     : m_prompter(prompter ? std::move(prompter) : std::make_unique<DesktopPrompter>(this))
     , m_stages(*statusBar(), *this)
     , m_preview(new PreviewView(this))
-    , m_render(*this, [this](QImage picture) { m_preview->setPreview(std::move(picture)); })
+    , m_render(*this,
+               [this](QImage picture, bool processed) {
+                   m_preview->setPreview(std::move(picture), processed);
+               })
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
                opener(&MainWindow::loadColorProfileFile))
     , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
@@ -50,6 +56,8 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     connect(m_preview, &PreviewView::filesDropped, this, takeDrop,
             Qt::QueuedConnection); // a box must not hold up the program dragged from
     connect(m_preview, &PreviewView::zoomChanged, this, &MainWindow::showZoom);
+    connect(m_preview, &PreviewView::cursorMoved, this, &MainWindow::showReadout);
+    connect(m_preview, &PreviewView::cursorLeft, this, [this] { m_stages.showReadout({}); });
     buildMenus();
     m_toolbar = new MainToolbar(*this);
     addToolBar(m_toolbar);
@@ -113,6 +121,11 @@ void MainWindow::buildMenus()
                   Gate::NeedsImage, &MainWindow::zoomToFit},
         ActionRow{kView, "zoomToPixels", "Actual &Pixels (1:1)", Key::UnknownKey, "Ctrl+1",
                   Gate::NeedsImage, &MainWindow::zoomToPixels},
+        ActionRow{kView, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kView, "compare", "&Compare with Source", Key::UnknownKey, "C", Gate::NeedsImage,
+                  nullptr, &MainWindow::compareWithSource},
+        ActionRow{kView, "depthInColor", "Depth in C&olor", Key::UnknownKey, "D", Gate::NeedsImage,
+                  nullptr, &MainWindow::showDepthInColor},
         ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::HelpContents, "",
                   Gate::Always, &MainWindow::showShortcuts},
         ActionRow{kHelp, "showAbout", "&About Zerrith Studio", Key::UnknownKey, "", Gate::Always,
@@ -168,7 +181,11 @@ void MainWindow::addRow(const ActionRow& row)
     auto* action = new QAction(row.text, this);
     action->setObjectName(row.name);
     action->setShortcuts(shortcutsOf(row.standardKeys, row.furtherKeys));
-    connect(action, &QAction::triggered, this, row.trigger);
+    action->setCheckable(row.toggle);
+    if (row.toggle)
+        connect(action, &QAction::toggled, this, row.toggle);
+    else
+        connect(action, &QAction::triggered, this, row.trigger);
     menu.addAction(action);
     m_actions.push_back({action, row.gate});
 }
@@ -214,6 +231,7 @@ bool MainWindow::isOpen(Gate gate) const
 
 void MainWindow::documentReplaced()
 {
+    m_preview->setReference([this] { return zre_qt::toQImage(m_session.source); });
     m_preview->zoomToFit();
     setWindowTitle(windowTitleFor(m_session));
     for (QAction* view : m_views->actions())
@@ -233,6 +251,11 @@ void MainWindow::showZoom(double scale, bool fitted)
 {
     const QString percent = QString::number(std::lround(scale * 100)) + " %";
     m_stages.showZoom(scale > 0 ? (fitted ? "Fit  " + percent : percent) : QString());
+}
+
+void MainWindow::showReadout(QPointF inPicture)
+{
+    m_stages.showReadout(readoutText(m_session, m_pipeline.standingDepth(), inPicture));
 }
 
 void MainWindow::installProgress(const QString& title, const QString& text)
@@ -256,6 +279,30 @@ void MainWindow::closeEvent(QCloseEvent* event)
         appcfg::setWindowGeometry(saveGeometry());
 }
 
+// Keys come here that no focused control has a use for.
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Space)
+        m_preview->holdReference(true);
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Space && !event->isAutoRepeat())
+        m_preview->holdReference(false);
+    else
+        QMainWindow::keyReleaseEvent(event);
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ActivationChange)
+        m_preview->holdReference(false); // the release goes to another window
+    QMainWindow::changeEvent(event);
+}
+
 bool MainWindow::renderCurrentViewFullRes(zre::Image& out)
 {
     return m_render.renderCurrentViewFullRes(out);
@@ -269,6 +316,11 @@ void MainWindow::openProjectFromCommandLine(const QString& path)
 void MainWindow::buildRecentMenu()
 {
     m_recent.buildRecentMenu(*m_recentMenu);
+}
+
+void MainWindow::compareWithSource(bool on)
+{
+    m_preview->setSplit(on);
 }
 
 void MainWindow::quit()

@@ -73,6 +73,9 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     struct ActionRow;
@@ -100,6 +103,7 @@ private:
     void updateGates();
     bool isOpen(Gate gate) const;
     void showZoom(double scale, bool fitted);
+    void showReadout(QPointF inPicture);
 
     void buildRecentMenu();
     void openImage() { m_documents.openImage(); }
@@ -108,6 +112,8 @@ private:
     void clearDepthMap() { m_depthMaps.clearDepthMap(); }
     void loadColorProfile() { m_colorProfiles.loadColorProfile(); }
     void saveColorProfile() { m_colorProfiles.saveColorProfile(); }
+    void compareWithSource(bool on);
+    void showDepthInColor(bool inColor) { m_render.setDepthInColor(inColor); }
     void quit();
     void zoomIn();
     void zoomOut();

@@ -42,6 +42,7 @@ PreviewView::PreviewView(QWidget* parent)
     : QWidget(parent)
 {
     setAcceptDrops(true);
+    setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(240, 180);
     setAccessibleName(tr("Preview"));
@@ -49,17 +50,42 @@ PreviewView::PreviewView(QWidget* parent)
     setLayout(new QVBoxLayout);
 }
 
-void PreviewView::setPreview(QImage picture)
+void PreviewView::setPreview(QImage picture, bool processed)
 {
     m_pyramid = ImagePyramid(std::move(picture));
+    m_processed = processed;
     syncViewSize();
     m_transform.setImageSize(m_pyramid.size().expandedTo({0, 0}));
     if (m_emptyState && m_emptyState->isVisibleTo(this) != m_pyramid.isNull()) {
         m_emptyState->setVisible(m_pyramid.isNull());
         setFocus();
     }
-    setCursor(m_pyramid.isNull() ? Qt::ArrowCursor : Qt::OpenHandCursor);
+    showCursorShape(m_cursor.value_or(QPointF(-1, -1)));
     transformChanged();
+}
+
+void PreviewView::setReference(std::function<QImage()> reference)
+{
+    m_makeReference = std::move(reference);
+    m_reference = ImagePyramid();
+    update();
+}
+
+void PreviewView::holdReference(bool held)
+{
+    m_referenceHeld = held;
+    update();
+}
+
+void PreviewView::setSplit(bool on)
+{
+    m_split.setOn(on);
+    update();
+}
+
+bool PreviewView::canCompare() const
+{
+    return m_processed && !m_pyramid.isNull() && m_makeReference;
 }
 
 void PreviewView::setDropOffer(std::function<QString(const QList<QUrl>&)> offer)
@@ -105,15 +131,29 @@ void PreviewView::syncViewSize()
 void PreviewView::transformChanged()
 {
     emit zoomChanged(m_pyramid.isNull() ? 0.0 : m_transform.scale(), m_transform.isFitted());
+    tellCursor();
     update();
+}
+
+void PreviewView::tellCursor()
+{
+    if (m_cursor && !m_pyramid.isNull())
+        emit cursorMoved(m_transform.toImage(devicePoint(*m_cursor)));
+    else
+        emit cursorLeft();
 }
 
 void PreviewView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), kBackdrop);
-    if (!m_pyramid.isNull())
+    syncViewSize(); // the window may have come to a screen of another density
+    if (m_referenceHeld && canCompare())
+        paintReference(painter);
+    else if (!m_pyramid.isNull())
         paintPicture(painter);
+    if (m_split.isOn() && !m_referenceHeld && canCompare())
+        paintSplit(painter);
     if (!m_dropText.isEmpty())
         paintDropOffer(painter);
 }
@@ -140,32 +180,66 @@ static QImage partOf(const QImage& picture, const QRect& rect)
             picture.bytesPerLine(), QImage::Format_RGB32};
 }
 
-// Works in device pixels, and draws from a part of the level that holds just what is in sight: the
-// raster engine counts in 16 bits before the point, which a wide or magnified picture overflows.
 void PreviewView::paintPicture(QPainter& painter)
 {
-    syncViewSize(); // the window may have come to a screen of another density
-    const double scale = m_transform.scale();
-    QPointF origin = m_transform.imageRect().topLeft();
+    paintPyramid(painter, m_pyramid, m_transform.imageRect());
+}
+
+void PreviewView::paintReference(QPainter& painter)
+{
+    if (m_reference.isNull())
+        m_reference = ImagePyramid(m_makeReference());
+    if (m_reference.isNull())
+        return;
+    const int halves = m_pyramid.size().width() >= 2 * m_reference.size().width() ? 2 : 1;
+    QRectF outline = m_transform.imageRect();
+    outline.setWidth(outline.width() / halves);
+    for (int half = 0; half < halves; ++half)
+        paintPyramid(painter, m_reference, outline.translated(half * outline.width(), 0));
+}
+
+void PreviewView::paintSplit(QPainter& painter)
+{
+    const double x = m_split.x(width());
+    painter.save();
+    painter.setClipRect(QRectF(0, 0, x, height()));
+    painter.fillRect(rect(), kBackdrop);
+    paintReference(painter);
+    painter.restore();
+    m_split.paint(painter, size());
+    const QString name = tr("Source");
+    const double halfName = painter.fontMetrics().horizontalAdvance(name) / 2.0;
+    paintPlate(painter, name, {x - halfName - 3 * kPlateMargin, 2.0 * kPlateMargin});
+}
+
+// Works in device pixels, and draws from a part of the level that holds just what is in sight: the
+// raster engine counts in 16 bits before the point, which a wide or magnified picture overflows.
+void PreviewView::paintPyramid(QPainter& painter, ImagePyramid& pyramid, const QRectF& place)
+{
+    const double scale = place.width() / pyramid.size().width();
+    QPointF origin = place.topLeft();
     if (scale >= 1.0)
         origin = {std::round(origin.x()), std::round(origin.y())};
-    const int level = m_pyramid.levelFor(scale);
-    const QImage& picture = m_pyramid.level(level);
+    const int level = pyramid.levelFor(scale);
+    const QImage& picture = pyramid.level(level);
     const double levelScale = std::ldexp(scale, level);
 
     painter.save();
     painter.scale(1.0 / devicePixelRatioF(), 1.0 / devicePixelRatioF());
-    const QRectF outline(origin, m_transform.imageRect().size());
+    const QRectF outline(origin, place.size());
     const QRectF seen = outline.intersected(QRectF({0, 0}, QSizeF(size()) * devicePixelRatioF()));
-    painter.setClipRect(seen); // the coarse levels of an odd size reach beyond the picture
+    // The coarse levels of an odd size reach beyond the picture.
+    painter.setClipRect(seen, Qt::IntersectClip);
     const QRect source = QRectF((seen.topLeft() - origin) / levelScale, seen.size() / levelScale)
                              .toAlignedRect()
                              .adjusted(-1, -1, 1, 1)
                              .intersected(picture.rect());
-    painter.translate(origin + QPointF(source.topLeft()) * levelScale);
-    painter.scale(levelScale, levelScale);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, scale <= kSmoothUpTo);
-    painter.drawImage(QPoint(0, 0), partOf(picture, source));
+    if (!source.isEmpty()) {
+        painter.translate(origin + QPointF(source.topLeft()) * levelScale);
+        painter.scale(levelScale, levelScale);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, scale <= kSmoothUpTo);
+        painter.drawImage(QPoint(0, 0), partOf(picture, source));
+    }
     painter.restore();
 }
 
@@ -193,26 +267,51 @@ void PreviewView::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
-    m_dragging = true;
+    m_splitDragged = canCompare() && m_split.isNear(event->position(), width());
+    m_dragging = !m_splitDragged;
     m_dragFrom = event->position();
-    setCursor(Qt::ClosedHandCursor);
+    showCursorShape(event->position());
+}
+
+void PreviewView::showCursorShape(QPointF at)
+{
+    const bool onSplit = canCompare() && m_split.isNear(at, width());
+    if (m_pyramid.isNull())
+        setCursor(Qt::ArrowCursor);
+    else if (m_splitDragged || (onSplit && !m_dragging))
+        setCursor(Qt::SplitHCursor);
+    else
+        setCursor(m_dragging ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
 }
 
 void PreviewView::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_dragging)
-        return;
-    m_transform.panBy(devicePoint(event->position() - m_dragFrom));
-    m_dragFrom = event->position();
-    transformChanged();
+    m_cursor = event->position();
+    if (m_splitDragged) {
+        m_split.moveTo(event->position().x(), width());
+        update();
+    }
+    if (m_dragging) {
+        m_transform.panBy(devicePoint(event->position() - m_dragFrom));
+        m_dragFrom = event->position();
+        transformChanged();
+    } else {
+        tellCursor();
+    }
+    showCursorShape(event->position());
 }
 
-void PreviewView::mouseReleaseEvent(QMouseEvent*)
+void PreviewView::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (!m_dragging)
-        return;
     m_dragging = false;
-    setCursor(Qt::OpenHandCursor);
+    m_splitDragged = false;
+    showCursorShape(event->position());
+}
+
+void PreviewView::leaveEvent(QEvent*)
+{
+    m_cursor.reset();
+    tellCursor();
 }
 
 void PreviewView::mouseDoubleClickEvent(QMouseEvent* event)

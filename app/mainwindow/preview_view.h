@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include <QImage>
 #include <QUrl>
@@ -8,11 +9,13 @@
 
 #include "app/mainwindow/image_pyramid.h"
 #include "app/mainwindow/preview_transform.h"
+#include "app/mainwindow/split_line.h"
 
 class QMimeData;
 
 /// Shows one picture: the wheel zooms to the cursor, dragging pans, a double click changes between
-/// the whole picture and 1:1. Without a picture it shows a widget that tells how to begin.
+/// the whole picture and 1:1. A reference, the unprocessed picture, can be looked at in its place
+/// or beside it. Without a picture it shows a widget that tells how to begin.
 class PreviewView final : public QWidget
 {
     Q_OBJECT
@@ -20,8 +23,17 @@ class PreviewView final : public QWidget
 public:
     explicit PreviewView(QWidget* parent = nullptr);
 
-    /// Shows `picture`; what part of it is seen stays as it was.
-    void setPreview(QImage picture);
+    /// Shows `picture`; what part of it is seen stays as it was. Only a processed one can be
+    /// compared with the reference.
+    void setPreview(QImage picture, bool processed = false);
+    /// `reference` gives the unprocessed picture. It is asked when that is first looked at, and
+    /// again after the next `setReference`. A reference half as wide as the picture, which is then
+    /// a stereo pair, stands for either half.
+    void setReference(std::function<QImage()> reference);
+    /// Shows the reference in place of the picture while `held`.
+    void holdReference(bool held);
+    /// Parts the view: the reference to the left of a line that can be dragged.
+    void setSplit(bool on);
     /// `offer` tells what dropping files does, in words; an empty text refuses them.
     void setDropOffer(std::function<QString(const QList<QUrl>&)> offer);
     /// What fills the view until a picture comes; the view takes ownership.
@@ -37,6 +49,9 @@ public:
 signals:
     /// Device pixels shown for one picture pixel; 0 without a picture.
     void zoomChanged(double scale, bool fitted);
+    /// The cursor is over this place of the picture, in its pixels; it may lie beside it.
+    void cursorMoved(QPointF inPicture);
+    void cursorLeft();
     void filesDropped(const QList<QUrl>& urls);
 
 protected:
@@ -48,6 +63,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -56,12 +72,25 @@ private:
     QPointF devicePoint(QPointF logical) const { return logical * devicePixelRatioF(); }
     void syncViewSize();
     void transformChanged();
+    bool canCompare() const;
     void paintPicture(QPainter& painter);
+    void paintReference(QPainter& painter);
+    void paintSplit(QPainter& painter);
+    void paintPyramid(QPainter& painter, ImagePyramid& pyramid, const QRectF& outline);
+    void showCursorShape(QPointF at);
+    void tellCursor();
     void paintDropOffer(QPainter& painter);
     QString offerFor(const QMimeData* files) const;
     void setDropText(const QString& text);
 
     ImagePyramid m_pyramid;
+    bool m_processed = false;
+    std::function<QImage()> m_makeReference;
+    ImagePyramid m_reference;
+    bool m_referenceHeld = false;
+    SplitLine m_split;
+    bool m_splitDragged = false;
+    std::optional<QPointF> m_cursor; ///< set while it is over the view
     PreviewTransform m_transform;
     QWidget* m_emptyState = nullptr; ///< a child
     QPointF m_dragFrom;

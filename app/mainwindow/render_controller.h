@@ -12,8 +12,10 @@ class ShellHost;
 class RenderController
 {
 public:
-    /// `show` puts a picture before the user.
-    RenderController(ShellHost& host, std::function<void(QImage)> show);
+    /// Puts a picture before the user; `processed` unless it is the source itself.
+    using Show = std::function<void(QImage picture, bool processed)>;
+
+    RenderController(ShellHost& host, Show show);
 
     /// Another output view was chosen.
     void onOutputModeChanged(int view);
@@ -23,11 +25,14 @@ public:
     void renderNow();
     /// Renders the current view and shows it, with its status text.
     void updatePreview();
+    /// Whether the depth view shows colours instead of greys, on the screen only.
+    void setDepthInColor(bool inColor);
     /// The current view at full size and with gains of 1, as it goes to a file. False without a
     /// source, or when memory runs out.
     bool renderCurrentViewFullRes(zre::Image& out);
 
 private:
     ShellHost& m_host;
-    std::function<void(QImage)> m_show;
+    Show m_show;
+    bool m_depthInColor = false;
 };

@@ -36,12 +36,16 @@ StageDisplay::StageDisplay(QStatusBar& bar, QWidget& window)
     : m_window(window)
     , m_text(new ElidedLabel)
     , m_zoom(new QLabel)
+    , m_readout(new QLabel)
 {
     m_text->setObjectName("statusText");
     m_zoom->setObjectName("zoomText");
     m_text->setContentsMargins(6, 0, 6, 0);
     m_zoom->setContentsMargins(6, 0, 6, 0);
     bar.addWidget(m_text, 1);
+    m_readout->setObjectName("readoutText");
+    m_readout->setContentsMargins(6, 0, 6, 0);
+    bar.addPermanentWidget(m_readout);
     bar.addPermanentWidget(m_zoom);
 }
 
@@ -59,6 +63,11 @@ void StageDisplay::show(const QString& text)
 void StageDisplay::showZoom(const QString& text)
 {
     m_zoom->setText(text);
+}
+
+void StageDisplay::showReadout(const QString& text)
+{
+    m_readout->setText(text);
 }
 
 void StageDisplay::stage(int percent, const QString& text)

@@ -20,6 +20,8 @@ public:
     /// Painted at once, so that the words stand while the work they announce holds the thread.
     void show(const QString& text);
     void showZoom(const QString& text);
+    /// What lies under the cursor.
+    void showReadout(const QString& text);
 
     /// The stage of a long step: in the progress dialog while one is installed, else in the bar.
     void stage(int percent, const QString& text);
@@ -32,5 +34,6 @@ private:
     QWidget& m_window;
     QLabel* m_text; ///< owned by the status bar, as is `m_zoom`
     QLabel* m_zoom;
+    QLabel* m_readout;
     std::unique_ptr<QProgressDialog> m_progress;
 };

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/mainwindow/depth_colors.h"
 #include "app/mainwindow/preview_view.h"
 #include "app/session/open_document.h"
 #include "app/session/output_view.h"
@@ -22,10 +23,10 @@ namespace {
 constexpr int kWidth = 120;
 constexpr int kHeight = 80;
 
-QString noiseFile(const std::string& name)
+QString noiseFile(const std::string& name, unsigned seed = 9)
 {
     const QString path = QString::fromStdString((zrtest::scratchFolder() / name).string());
-    EXPECT_TRUE(zre_qt::toQImage(zrtest::noise(kWidth, kHeight, 1, 9)).save(path));
+    EXPECT_TRUE(zre_qt::toQImage(zrtest::noise(kWidth, kHeight, 1, seed)).save(path));
     return path;
 }
 
@@ -75,6 +76,20 @@ struct Window : testing::Test
         QApplication::sendEvent(&preview, &event);
         QApplication::processEvents();
         return true;
+    }
+
+    void key(QEvent::Type type, Qt::Key which)
+    {
+        QKeyEvent event(type, which, Qt::NoModifier);
+        QApplication::sendEvent(&preview, &event);
+    }
+
+    void mouse(QEvent::Type type, QPointF at)
+    {
+        const bool move = type == QEvent::MouseMove;
+        QMouseEvent event(type, at, preview.mapToGlobal(at), move ? Qt::NoButton : Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&preview, &event);
     }
 
     void wheel(QPointF at, int delta)
@@ -142,7 +157,7 @@ TEST_F(Window, ANewDocumentClearsTheScreenAndItsActions)
 
 TEST_F(Window, EveryActionOnAnEmptySessionLeavesItEmpty)
 {
-    // Those that open a documentor a dialog of their own, and the one that ends it all.
+    // Those that open a document or a dialog of their own, and the one that ends it all.
     const QStringList others{"openBuiltInScene", "preferences", "quit"};
     for (QAction* each : window.findChildren<QAction*>())
         if (!others.contains(each->objectName()))
@@ -210,6 +225,84 @@ TEST_F(Window, MagnifiedPixelsAreSquaresOfTheirOwnColour)
             const QPoint at = preview.transform().toView(QPointF(pixel) + inside).toPoint();
             EXPECT_EQ(screen.pixel(at), source.pixel(pixel));
         }
+}
+
+TEST_F(Window, TheSpaceBarShowsTheSourceWhileItIsHeld)
+{
+    const QString path = noiseFile("space.png");
+    ASSERT_TRUE(window.loadImageFromPath(path));
+    const QImage source = expectedView(path, 0);
+    for (const int view : {2, 3}) {
+        window.onOutputModeChanged(view);
+        key(QEvent::KeyPress, Qt::Key_Space);
+        const QImage held = shown();
+        EXPECT_EQ(held.copy(0, 0, kWidth, kHeight), source);
+        EXPECT_EQ(held.copy(held.width() - kWidth, 0, kWidth, kHeight), source);
+        key(QEvent::KeyRelease, Qt::Key_Space);
+        EXPECT_EQ(shown(), expectedView(path, view));
+    }
+    const QString other = noiseFile("other.png", 77);
+    ASSERT_TRUE(window.loadImageFromPath(other)); // another source is asked for anew
+    key(QEvent::KeyPress, Qt::Key_Space);
+    EXPECT_EQ(shown().copy(0, 0, kWidth, kHeight), expectedView(other, 0));
+}
+
+TEST_F(Window, TheSplitShowsTheSourceToItsLeftAndFollowsTheMouse)
+{
+    const QString path = noiseFile("split.png");
+    ASSERT_TRUE(window.loadImageFromPath(path));
+    const QImage source = expectedView(path, 0);
+    const QImage view = expectedView(path, 2);
+    action("compare")->trigger();
+    const auto expectSplitAt = [&](int line) {
+        const QImage screen = shown();
+        const int left = static_cast<int>(preview.transform().imageRect().left());
+        for (int x = 0; x < kWidth; ++x) {
+            if (std::abs(left + x - line) <= 14) // the line and its handle
+                continue;
+            const QImage& wanted = left + x < line ? source : view;
+            for (int y = 0; y < kHeight; y += 7)
+                ASSERT_EQ(screen.pixel(x, y), wanted.pixel(x, y)) << x << " " << y;
+        }
+    };
+    const int middle = preview.width() / 2;
+    expectSplitAt(middle);
+    mouse(QEvent::MouseButtonPress, {middle + 3.0, 50.0});
+    mouse(QEvent::MouseMove, {middle + 30.0, 60.0});
+    mouse(QEvent::MouseButtonRelease, {middle + 30.0, 60.0});
+    expectSplitAt(middle + 30);
+    action("compare")->trigger();
+    EXPECT_EQ(shown(), view);
+    action("compare")->trigger();
+    action("view.source")->trigger(); // nothing to compare
+    EXPECT_EQ(shown(), source);
+}
+
+TEST_F(Window, TheStatusBarReadsWhatIsUnderTheCursor)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("read.png")));
+    shown();
+    const QLabel& readout = *window.findChild<QLabel*>("readoutText");
+    mouse(QEvent::MouseMove, preview.transform().toView({33.5, 21.5}));
+    EXPECT_TRUE(readout.text().startsWith("33, 21   R ")) << qPrintable(readout.text());
+    EXPECT_TRUE(readout.text().contains("depth"));
+    mouse(QEvent::MouseMove, preview.transform().toView({-5, 21.5}));
+    EXPECT_EQ(readout.text(), "");
+}
+
+TEST_F(Window, DepthInColorIsForTheScreenOnly)
+{
+    const QString path = noiseFile("colored.png");
+    ASSERT_TRUE(window.loadImageFromPath(path));
+    action("depthInColor")->trigger();
+    EXPECT_EQ(shown(), expectedView(path, 2));
+    action("view.depth")->trigger();
+    zre::Image depth;
+    ASSERT_TRUE(window.renderCurrentViewFullRes(depth));
+    EXPECT_EQ(zre_qt::toQImage(depth).convertToFormat(QImage::Format_RGB32), expectedView(path, 1));
+    EXPECT_EQ(shown(), depthInColor(depth));
+    action("depthInColor")->trigger();
+    EXPECT_EQ(shown(), expectedView(path, 1));
 }
 
 TEST_F(Window, NoTwoActionsShareAShortcut)
