@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include <QMenu>
 #include <QToolButton>
 
 #include "app/persist/appcfg.h"
@@ -16,11 +17,12 @@ struct ButtonRow
 {
     const char* action;
     ToolbarGroup group;
-    bool named; ///< shows its text beside its picture
+    bool named;                 ///< shows its text beside its picture
+    const char* menu = nullptr; ///< object name of the menu that an arrow beside it opens
 };
 
 constexpr std::array kButtons{
-    ButtonRow{"openImage", ToolbarGroup::LoadSave, false},
+    ButtonRow{"openImage", ToolbarGroup::LoadSave, false, "recentMenu"},
     ButtonRow{"saveImage", ToolbarGroup::Export, false},
     ButtonRow{"view.source", ToolbarGroup::View, true},
     ButtonRow{"view.depth", ToolbarGroup::View, true},
@@ -58,11 +60,21 @@ MainToolbar::MainToolbar(QWidget& window)
         QToolButton* button = ToolbarStyle::makeButton(action, this);
         if (row.named)
             ToolbarStyle::showText(button);
-        places << addWidget(button);
+        if (row.menu)
+            places << addWidget(withArrow(button, *window.findChild<QMenu*>(row.menu)));
+        else
+            places << addWidget(button);
         before = &row;
     }
     applyIconColors();
     applyGroups();
+}
+
+QWidget* MainToolbar::withArrow(QToolButton* button, QMenu& menu)
+{
+    const QString title = menu.title().remove('&');
+    return ToolbarStyle::pairWithArrow(button, ToolbarStyle::makeMenuArrow(&menu, title, this),
+                                       this);
 }
 
 void MainToolbar::applyIconColors()

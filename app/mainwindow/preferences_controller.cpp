@@ -8,10 +8,10 @@
 #include "app/prefs/preferences_dialog.h"
 
 PreferencesController::PreferencesController(ShellHost& host, QWidget& window,
-                                             std::function<void()> toolbarChanged)
+                                             std::function<void()> settingsChanged)
     : m_host(host)
     , m_window(window)
-    , m_toolbarChanged(std::move(toolbarChanged))
+    , m_settingsChanged(std::move(settingsChanged))
 {
 }
 
@@ -28,7 +28,7 @@ void PreferencesController::showPreferences()
                                   return prompter.chooseColor(title, current);
                               }},
                              &m_window);
-    QObject::connect(&dialog, &PreferencesDialog::toolbarGroupsChanged, m_toolbarChanged);
+    QObject::connect(&dialog, &PreferencesDialog::settingsChanged, m_settingsChanged);
     dialog.exec();
 }
 

@@ -9,9 +9,9 @@ class ShellHost;
 class PreferencesController
 {
 public:
-    /// `toolbarChanged` is called when another part of the toolbar is to be shown; the dialog
-    /// stands above `window`.
-    PreferencesController(ShellHost& host, QWidget& window, std::function<void()> toolbarChanged);
+    /// `settingsChanged` is called when the toolbar or the values shown are to follow; the
+    /// dialog stands above `window`.
+    PreferencesController(ShellHost& host, QWidget& window, std::function<void()> settingsChanged);
 
     void showPreferences();
     /// Tells that there is no ffmpeg, until the user does not want to be told.
@@ -20,5 +20,5 @@ public:
 private:
     ShellHost& m_host;
     QWidget& m_window;
-    std::function<void()> m_toolbarChanged;
+    std::function<void()> m_settingsChanged;
 };

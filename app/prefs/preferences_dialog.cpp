@@ -169,7 +169,7 @@ QWidget* PreferencesDialog::interfaceGroup()
     raw->setChecked(!appcfg::showValuesAsPercent());
     connect(raw, &QCheckBox::toggled, this, [this](bool checked) {
         appcfg::setShowValuesAsPercent(!checked);
-        emit unitsChanged();
+        emit settingsChanged();
     });
 
     auto* group = new QGroupBox("Interface");
@@ -193,7 +193,7 @@ QWidget* PreferencesDialog::toolbarGroup()
         box->setChecked(appcfg::toolbarGroupShown(each.group));
         connect(box, &QCheckBox::toggled, this, [this, which = each.group](bool shown) {
             appcfg::setToolbarGroupShown(which, shown);
-            emit toolbarGroupsChanged();
+            emit settingsChanged();
         });
         row->addWidget(box);
         row->addSpacing(12);

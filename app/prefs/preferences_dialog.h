@@ -25,9 +25,8 @@ public:
     explicit PreferencesDialog(PreferenceQuestions questions, QWidget* parent = nullptr);
 
 signals:
-    void toolbarGroupsChanged();
-    /// Values of parameters are to be shown in the other way.
-    void unitsChanged();
+    /// A setting changed that others show: the groups of the toolbar, or the units of values.
+    void settingsChanged();
 
 private:
     QWidget* interfaceGroup();

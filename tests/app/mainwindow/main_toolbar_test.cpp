@@ -1,15 +1,18 @@
 #include "app/mainwindow/main_toolbar.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QApplication>
 #include <QImage>
 #include <QMap>
+#include <QMenu>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
 
 #include "app/mainwindow/main_window.h"
-#include "app/persist/appcfg.h"
+#include "app/persist/recent_files.h"
 #include "app/prefs/theme_manager.h"
 #include "tests/app/private_settings.h"
 
@@ -78,6 +81,22 @@ TEST(MainToolbar, EveryButtonHasAPictureThatFollowsTheTheme)
         }
     }
     EXPECT_GE(dark.size(), 11);
+}
+
+TEST(MainToolbar, TheArrowBesideOpenListsTheRecentFiles)
+{
+    const PrivateSettings own;
+    MainWindow window;
+    recent::pushFile(appcfg::RecentCategory::Images, own.path("m42.tif"));
+    QMenu* menu = nullptr;
+    for (const QToolButton* button :
+         window.findChild<QToolBar*>("mainToolbar")->findChildren<QToolButton*>())
+        menu = button->menu() ? button->menu() : menu;
+    ASSERT_TRUE(menu);
+    emit menu->aboutToShow();
+    const QList<QAction*> entries = menu->findChildren<QAction*>(); // of its lists too
+    EXPECT_TRUE(std::any_of(entries.begin(), entries.end(),
+                            [](const QAction* a) { return a->text().contains("m42.tif"); }));
 }
 
 TEST(MainWindowPlace, TheNextWindowHasTheSizeOfTheLast)

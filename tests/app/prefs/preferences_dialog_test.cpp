@@ -103,7 +103,7 @@ TEST_F(Preferences, AToolbarSwitchIsStoredBeforeItIsTold)
 {
     PreferencesDialog dialog(answers());
     bool storedFirst = false;
-    QObject::connect(&dialog, &PreferencesDialog::toolbarGroupsChanged, [&] {
+    QObject::connect(&dialog, &PreferencesDialog::settingsChanged, [&] {
         storedFirst = !appcfg::toolbarGroupShown(appcfg::ToolbarGroup::Export);
     });
     for (QCheckBox* box : dialog.findChildren<QCheckBox*>())
