@@ -331,10 +331,10 @@ void setLastTab(int index)
 
 QString updateInstallId()
 {
-    const QString kept = read(kSettings.updateInstallId);
+    QString kept = read(kSettings.updateInstallId);
     if (!QUuid::fromString(kept).isNull() && !kept.startsWith('{'))
         return kept;
-    const QString made = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    QString made = QUuid::createUuid().toString(QUuid::WithoutBraces);
     write(kSettings.updateInstallId, made);
     return made;
 }

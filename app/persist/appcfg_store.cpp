@@ -112,7 +112,7 @@ void store(const Row& row, const QVariant& value)
 
 QStringList takeOldRecentFiles()
 {
-    const QStringList old = stored(kSettings.recentFiles).toStringList();
+    QStringList old = stored(kSettings.recentFiles).toStringList();
     Store().remove(kSettings.recentFiles.key);
     return old;
 }
