@@ -15,11 +15,35 @@ struct Rows
     int end;
 };
 
+/// True when pixels from (`x`, `y`) on, `kBlock` of them, land in the image with the range's move.
+ZR_KERNEL_STEP bool fits(const SteadyRange& range, int x, int y, const Rows& rows)
+{
+    const int column = x + range.x;
+    const int row = y + range.y;
+    return column >= 0 && column + kBlock <= rows.width && row >= rows.first && row < rows.end;
+}
+
+/// Lands those of a block that are in the range; it has to fit.
+ZR_KERNEL_STEP void landHeld(const SteadyRange& range, const float* depth, int x, int y,
+                             DepthBand& band)
+{
+    float* const z = band.z(y + range.y) + (x + range.x);
+    for (int k = 0; k < kBlock; k += 4) {
+        const Floats d = loadFloats(depth + k);
+        const Floats there = loadFloats(z + k);
+        const Floats nearest = d > there ? d : there;
+        store(heldBy(range, d) ? nearest : there, z + k);
+    }
+}
+
 /// Lands `size` neighbours, at most a block, one by one. Without a branch, which noise would have
 /// mispredicted: what leaves the image lands on the cell beyond it.
-ZR_KERNEL_STEP void landEach(const Warp& warp, const float* depth, int x0, int y, int size,
-                             const Rows& rows, DepthBand& band)
+ZR_KERNEL_STEP void landEach(const Warp& callersWarp, bool clamped, const float* depth, int x0,
+                             int y, int size, const Rows& rows, DepthBand& band)
 {
+    Warp warp = callersWarp;
+    warp.zoom = 0.0;
+    warp.maxDisparity = clamped ? warp.maxDisparity : 0.0;
     float finite[kBlock];
     int column[kBlock];
     int row[kBlock];
@@ -43,45 +67,42 @@ ZR_KERNEL_STEP void landEach(const Warp& warp, const float* depth, int x0, int y
 }
 
 /// Equal depths move alike, so that no cell is reached by two of them and the nearest is all there
-/// is to find out. Nearly all blocks move as one.
-ZR_KERNEL_STEP void landAll(const Warp& warp, const float* depth, int y, int height,
+/// is to find out. Nearly all blocks move as one, and most others in two parts.
+ZR_KERNEL_STEP void landAll(const Warp& warp, bool clamped, const float* depth, int y, int height,
                             const Rows& rows, DepthBand& band)
 {
     SteadyRange steady;
+    SteadyRange before;
     int x = 0;
     for (; x + kBlock <= rows.width; x += kBlock) {
         const float last = depth[x + kBlock - 1];
-        if (!steady.holds(last))
+        if (!steady.holds(last) && !before.holds(last)) {
+            before = steady;
             steady = steadyAround(warp, last, rows.width, height);
-        const int column = x + steady.x;
-        const int row = y + steady.y;
-        if (holdsBlock(steady, depth + x) && column >= 0 && column + kBlock <= rows.width &&
-            row >= rows.first && row < rows.end) {
-            float* const z = band.z(row) + column;
-            landFour(depth + x, z);
-            landFour(depth + x + 4, z + 4);
+        }
+        if (holdsBlock(steady, depth + x) && fits(steady, x, y, rows)) {
+            landHeld(steady, depth + x, x, y, band);
+        } else if (holdBlock(steady, before, depth + x) && fits(steady, x, y, rows) &&
+                   fits(before, x, y, rows)) {
+            landHeld(steady, depth + x, x, y, band);
+            landHeld(before, depth + x, x, y, band);
         } else {
-            landEach(warp, depth + x, x, y, kBlock, rows, band);
+            landEach(warp, clamped, depth + x, x, y, kBlock, rows, band);
         }
     }
-    landEach(warp, depth + x, x, y, rows.width - x, rows, band);
+    landEach(warp, clamped, depth + x, x, y, rows.width - x, rows, band);
 }
 
-ZR_MULTIVERSION void landClamped(const Warp& callersWarp, const float* depth, int y, int height,
+ZR_MULTIVERSION void landClamped(const Warp& warp, const float* depth, int y, int height,
                                  const Rows& rows, DepthBand& band)
 {
-    Warp warp = callersWarp;
-    warp.zoom = 0.0;
-    landAll(warp, depth, y, height, rows, band);
+    landAll(warp, true, depth, y, height, rows, band);
 }
 
-ZR_MULTIVERSION void landShifted(const Warp& callersWarp, const float* depth, int y, int height,
+ZR_MULTIVERSION void landShifted(const Warp& warp, const float* depth, int y, int height,
                                  const Rows& rows, DepthBand& band)
 {
-    Warp warp = callersWarp;
-    warp.zoom = 0.0;
-    warp.maxDisparity = 0.0;
-    landAll(warp, depth, y, height, rows, band);
+    landAll(warp, false, depth, y, height, rows, band);
 }
 
 } // namespace

@@ -21,12 +21,23 @@ struct SteadyRange
 /// image, or so near to half a pixel that its place decides.
 SteadyRange steadyAround(const Warp& warp, float depth, int width, int height);
 
+inline Ints heldBy(const SteadyRange& range, Floats depths)
+{
+    return (depths >= range.low) & (depths <= range.high);
+}
+
 /// True when the range holds all of `kBlock` depths.
 inline bool holdsBlock(const SteadyRange& range, const float* depth)
 {
+    return allSet(heldBy(range, loadFloats(depth)) & heldBy(range, loadFloats(depth + 4)));
+}
+
+/// True when the two ranges hold all of them between them.
+inline bool holdBlock(const SteadyRange& one, const SteadyRange& other, const float* depth)
+{
     const Floats a = loadFloats(depth);
     const Floats b = loadFloats(depth + 4);
-    return allSet((a >= range.low) & (a <= range.high) & (b >= range.low) & (b <= range.high));
+    return allSet((heldBy(one, a) | heldBy(other, a)) & (heldBy(one, b) | heldBy(other, b)));
 }
 
 } // namespace zre
