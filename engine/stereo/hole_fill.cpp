@@ -31,15 +31,6 @@ int searchSteps(const Warp& warp, double offset, const Image& img)
 } // namespace
 
 template <typename Band>
-struct HoleFill<Band>::Winner
-{
-    bool found = false;
-    float z = 0.0f;
-    int x = 0;
-    int y = 0;
-};
-
-template <typename Band>
 HoleFill<Band>::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     : m_warp(warp)
     , m_out(out)
@@ -84,13 +75,23 @@ bool HoleFill<Band>::layWay(double vx, double vy, Way& way) const
 }
 
 template <typename Band>
-void HoleFill<Band>::aimWay(const Band& band, int y, int height, Way& way)
+std::size_t HoleFill<Band>::pixel(int x, int y) const
 {
-    way.marks.clear();
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_out.width) +
+           static_cast<std::size_t>(x);
+}
+
+template <typename Band>
+void HoleFill<Band>::aimWay(const Band& band, int y, Way& way) const
+{
+    way.cells.clear();
+    way.pixels.clear();
     for (const Step& step : way.steps) {
-        if (y + step.y < 0 || y + step.y >= height)
+        const int row = y + step.y;
+        if (row < 0 || row >= m_out.height)
             return;
-        way.marks.push_back(static_cast<std::ptrdiff_t>(band.cell(0, y + step.y)) + step.x);
+        way.cells.push_back(static_cast<std::ptrdiff_t>(band.cell(0, row)) + step.x);
+        way.pixels.push_back(static_cast<std::ptrdiff_t>(pixel(0, row)) + step.x);
     }
 }
 
@@ -101,8 +102,8 @@ void HoleFill<Band>::fillRow(const Band& band, int y)
 {
     listHoles(band, y);
     if (m_laid) {
-        aimWay(band, y, m_out.height, m_ahead);
-        aimWay(band, y, m_out.height, m_back);
+        aimWay(band, y, m_ahead);
+        aimWay(band, y, m_back);
     }
     m_copies.clear();
     for (std::size_t i = 0; i < m_holeCount; ++i)
@@ -143,15 +144,11 @@ void HoleFill<Band>::listHoles(const Band& band, int y)
 template <typename Band>
 void HoleFill<Band>::fillFrom(const Winner& winner, int x, int y)
 {
-    const auto index = [this](int column, int row) {
-        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_out.width) +
-               static_cast<std::size_t>(column);
-    };
-    if (winner.found)
-        m_copies.push_back({index(x, y), index(winner.x, winner.y)});
+    if (std::isfinite(winner.z))
+        m_copies.push_back({pixel(x, y), winner.pixel});
     else
         for (int c = 0; c < m_out.channels; ++c)
-            m_out.plane(c)[index(x, y)] = 0.0f;
+            m_out.plane(c)[pixel(x, y)] = 0.0f;
 }
 
 template <typename Band>
@@ -160,7 +157,7 @@ typename HoleFill<Band>::Winner HoleFill<Band>::winnerFor(const Band& band, int 
     Winner winner;
     if (m_laid && x >= std::max(m_ahead.left, m_back.left) &&
         x + std::max(m_ahead.right, m_back.right) < m_out.width)
-        searchWays(band, x, y, winner);
+        winner = searchWays(band, x);
     else if (m_offset > kNoOffset)
         search(band, x, y, m_directionX, m_directionY, winner);
     if (m_warp.zoom != 0.0) {
@@ -173,32 +170,28 @@ typename HoleFill<Band>::Winner HoleFill<Band>::winnerFor(const Band& band, int 
     return winner;
 }
 
-/// The number of steps along a way before the first landed pixel; all of them when there is none.
+/// Finds what `search` does along the offset, for a cell from which no way leaves the row. The
+/// choice has no branch, which noise would have mispredicted.
 template <typename Band>
-std::size_t HoleFill<Band>::firstLanded(const Band& band, const Way& way, int x)
+typename HoleFill<Band>::Winner HoleFill<Band>::searchWays(const Band& band, int x) const
 {
-    const auto* const marks = band.marks();
-    std::size_t k = 0;
-    while (k < way.marks.size() && marks[way.marks[k] + x] == Band::kHole)
-        ++k;
-    return k;
-}
-
-/// Does what `search` does along the offset, for a cell from which no way leaves the row.
-template <typename Band>
-void HoleFill<Band>::searchWays(const Band& band, int x, int y, Winner& winner) const
-{
-    const std::size_t ahead = firstLanded(band, m_ahead, x);
-    const std::size_t back = firstLanded(band, m_back, x);
-    const auto proposeStep = [&](const Way& way, std::size_t k) {
-        if (k < way.marks.size())
-            propose(band, x + way.steps[k].x, y + way.steps[k].y, winner);
+    const auto firstLanded = [&band, x](const Way& way) {
+        std::size_t k = 0;
+        while (k < way.cells.size() && band.marks()[way.cells[k] + x] == Band::kHole)
+            ++k;
+        return k;
     };
-    if (ahead <= back)
-        proposeStep(m_ahead, ahead);
-    proposeStep(m_back, back);
-    if (ahead > back)
-        proposeStep(m_ahead, ahead);
+    const auto winnerAt = [&band, x](const Way& way, std::size_t k) {
+        return k < way.cells.size() ? Winner{band.depths()[way.cells[k] + x],
+                                             static_cast<std::size_t>(way.pixels[k] + x)}
+                                    : Winner{};
+    };
+    const std::size_t stepsAhead = firstLanded(m_ahead);
+    const std::size_t stepsBack = firstLanded(m_back);
+    const Winner ahead = winnerAt(m_ahead, stepsAhead);
+    const Winner back = winnerAt(m_back, stepsBack);
+    const bool behind = (back.z < ahead.z) | ((back.z == ahead.z) & (stepsBack < stepsAhead));
+    return {behind ? back.z : ahead.z, behind ? back.pixel : ahead.pixel};
 }
 
 /// Looks along a direction, step by step both ways, for the first landed pixel of each.
@@ -214,7 +207,7 @@ void HoleFill<Band>::search(const Band& band, int x, int y, double vx, double vy
     }
 }
 
-/// True when a pixel landed there.
+/// True when a pixel landed there; it wins when it is the farthest so far.
 template <typename Band>
 bool HoleFill<Band>::visit(const Band& band, double fx, double fy, Winner& winner) const
 {
@@ -225,19 +218,12 @@ bool HoleFill<Band>::visit(const Band& band, double fx, double fy, Winner& winne
         return false;
     const int x = static_cast<int>(cellX);
     const int y = static_cast<int>(cellY);
-    if (band.marks()[band.cell(x, y)] == Band::kHole)
+    const std::size_t cell = band.cell(x, y);
+    if (band.marks()[cell] == Band::kHole)
         return false;
-    propose(band, x, y, winner);
+    if (band.depths()[cell] < winner.z)
+        winner = {band.depths()[cell], pixel(x, y)};
     return true;
-}
-
-/// A landed pixel wins when it is the farthest so far.
-template <typename Band>
-void HoleFill<Band>::propose(const Band& band, int x, int y, Winner& winner)
-{
-    const float z = band.z(y)[x];
-    if (!winner.found || z < winner.z)
-        winner = {true, z, x, y};
 }
 
 template class HoleFill<DepthBand>;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "engine/stereo/depth_band.h"
@@ -34,13 +35,19 @@ private:
     struct Way
     {
         std::vector<Step> steps;
-        std::vector<std::ptrdiff_t>
-            marks;    ///< of the steps within the image, from the hole's column
+        /// Where the steps within the image lead from column 0 of the hole's row, in the band and
+        /// in a plane of the image.
+        std::vector<std::ptrdiff_t> cells;
+        std::vector<std::ptrdiff_t> pixels;
         int left = 0; ///< columns it needs on either side
         int right = 0;
     };
 
-    struct Winner;
+    struct Winner
+    {
+        float z = std::numeric_limits<float>::infinity(); ///< which says that there is none
+        std::size_t pixel = 0;
+    };
 
     /// A hole of the row and the cell that it shows, as indices into a plane.
     struct Copy
@@ -50,16 +57,15 @@ private:
     };
 
     bool layWay(double vx, double vy, Way& way) const;
-    static void aimWay(const Band& band, int y, int height, Way& way);
-    static std::size_t firstLanded(const Band& band, const Way& way, int x);
+    void aimWay(const Band& band, int y, Way& way) const;
 
     void listHoles(const Band& band, int y);
     void fillFrom(const Winner& winner, int x, int y);
     Winner winnerFor(const Band& band, int x, int y) const;
-    void searchWays(const Band& band, int x, int y, Winner& winner) const;
+    Winner searchWays(const Band& band, int x) const;
     void search(const Band& band, int x, int y, double vx, double vy, Winner& winner) const;
     bool visit(const Band& band, double fx, double fy, Winner& winner) const;
-    static void propose(const Band& band, int x, int y, Winner& winner);
+    std::size_t pixel(int x, int y) const;
 
     Warp m_warp;
     Image& m_out;

@@ -42,8 +42,9 @@ public:
     float* z(int y) { return m_z.data() + start(y); }
     const float* z(int y) const { return m_z.data() + start(y); }
 
-    /// What is `kHole` in an empty cell.
+    /// What is `kHole` in an empty cell, and the depth of any other.
     const Mark* marks() const { return m_column.data(); }
+    const float* depths() const { return m_z.data(); }
 
     /// Where cell `x` of row `y` stands in the three planes.
     std::size_t cell(int x, int y) const { return start(y) + static_cast<std::size_t>(x); }

@@ -1,5 +1,6 @@
 #include "engine/stereo/shift_gather.h"
 
+#include <bit>
 #include <cmath>
 
 #include "engine/image/multiversion.h"
@@ -39,12 +40,22 @@ ZR_KERNEL_STEP Place placeOf(double cell, double moved)
     return {source - before, way + before, offset};
 }
 
+/// The depth of a cell, and in a hole, so that it does not break a run, of the nearer cell beside
+/// it.
+ZR_KERNEL_STEP float bridgedDepth(const float* z, std::ptrdiff_t i, float fallback)
+{
+    const float beside = z[i - 1] > z[i + 1] ? z[i - 1] : z[i + 1];
+    const float nearest = beside > DepthBand::kNothing ? beside : fallback;
+    return z[i] > DepthBand::kNothing ? z[i] : nearest;
+}
+
 ZR_KERNEL_STEP void placeCells(const Warp warp, const Cells cells, const float* __restrict z,
                                double* __restrict fu, double* __restrict fv,
                                std::int32_t* __restrict column, std::int32_t* __restrict row)
 {
+    const auto still = static_cast<float>(warp.convergence);
     for (int i = 0; i < cells.size; ++i) {
-        const Displacement moved = displacement(warp, 0.0, 0.0, z[i]);
+        const Displacement moved = displacement(warp, 0.0, 0.0, bridgedDepth(z, i, still));
         const Place u = placeOf(cells.x + i, moved.x);
         const Place v = placeOf(cells.y, moved.y);
         const bool clear =
@@ -73,6 +84,28 @@ ZR_MULTIVERSION void placeShifted(const Warp& warp, const Cells& cells, const fl
     shift.zoom = 0.0;
     shift.maxDisparity = 0.0;
     placeCells(shift, cells, z, fu, fv, column, row);
+}
+
+/// Tells of each cell whether the one after it does not sample one column farther on.
+ZR_MULTIVERSION void markTurns(const std::int32_t* __restrict column,
+                               const std::int32_t* __restrict row, int size,
+                               std::uint8_t* __restrict turns)
+{
+    for (int i = 0; i + 1 < size; ++i)
+        turns[i] = (column[i + 1] - column[i] != 1) | (row[i + 1] != row[i]) ? 1 : 0;
+    turns[size - 1] = 1;
+}
+
+/// The turns of a block as one value, and which of them lie within it.
+using Turns = std::uint64_t;
+constexpr auto kWithin =
+    std::bit_cast<Turns>(std::array<std::uint8_t, kBlock>{1, 1, 1, 1, 1, 1, 1, 0});
+
+inline Turns loadTurns(const std::uint8_t* from)
+{
+    Turns turns;
+    std::memcpy(&turns, from, sizeof turns);
+    return turns;
 }
 
 ZR_KERNEL_STEP float between(double a, double b, double c, double e, double fu, double fv)
@@ -171,15 +204,12 @@ ShiftGather::ShiftGather(const Warp& warp, const Image& src, const Image& depth,
 {
 }
 
-void ShiftGather::fillRow(const DepthBand& band, int y)
+void ShiftGather::fillRow(DepthBand& band, int y)
 {
+    band.close(y);
     const float* const z = band.z(y);
-    auto last = static_cast<float>(m_warp.convergence);
-    for (int x = 0; x < m_src.width; x += kChunk) {
-        const int size = std::min(kChunk, m_src.width - x);
-        bridgeHoles(z + x, size, last);
-        fillChunk(z + x, x, size, y);
-    }
+    for (int x = 0; x < m_src.width; x += kChunk)
+        fillChunk(z + x, x, std::min(kChunk, m_src.width - x), y);
     if (!m_outDepth)
         return;
     float* const depth = m_outDepth->plane(0) + indexOf(m_src, 0, y);
@@ -187,32 +217,11 @@ void ShiftGather::fillRow(const DepthBand& band, int y)
         depth[x] = z[x] == DepthBand::kNothing ? -1.0f : z[x];
 }
 
-/// Takes the depths of a chunk, and in a hole the one before it, so that a hole does not break a
-/// run.
-void ShiftGather::bridgeHoles(const float* z, int size, float& last)
-{
-    float* const bridged = m_z.data();
-    int i = 0;
-    const auto bridge = [&](int end) {
-        for (; i < end; ++i)
-            bridged[i] = last = z[i] == DepthBand::kNothing ? last : z[i];
-    };
-    while (i + kBlock <= size) {
-        if (anyEqual(z + i, DepthBand::kNothing)) {
-            bridge(i + kBlock);
-        } else {
-            std::memcpy(bridged + i, z + i, kBlock * sizeof(float));
-            i += kBlock;
-            last = z[i - 1];
-        }
-    }
-    bridge(size);
-}
-
 void ShiftGather::fillChunk(const float* z, int x0, int size, int y)
 {
-    (onlyShifts(m_warp) ? placeShifted : placeClamped)(
-        m_warp, {x0, size, y}, m_z.data(), m_fu.data(), m_fv.data(), m_column.data(), m_row.data());
+    (onlyShifts(m_warp) ? placeShifted : placeClamped)(m_warp, {x0, size, y}, z, m_fu.data(),
+                                                       m_fv.data(), m_column.data(), m_row.data());
+    markTurns(m_column.data(), m_row.data(), size, m_turns.data());
     const auto end = static_cast<std::size_t>(size);
     for (std::size_t i = 0; i < end;) {
         const int x = x0 + static_cast<int>(i);
@@ -235,20 +244,16 @@ bool ShiftGather::inside(int column, int row, int right, int down) const
     return column >= 0 && column + right < m_src.width && row >= 0 && row + down < m_src.height;
 }
 
-/// True when the block of cells from `i` on samples neighbouring places.
-bool ShiftGather::even(std::size_t i) const
-{
-    return straight(m_column.data() + i) && level(m_row.data() + i);
-}
-
 /// How many cells from `i` on, by whole blocks, sample neighbouring places in the image.
 int ShiftGather::evenLength(std::size_t i, std::size_t size) const
 {
     std::size_t block = i;
-    for (; block + kBlock <= size; block += kBlock)
-        if (!even(block) || m_column[block] != m_column[i] + static_cast<std::int32_t>(block - i) ||
-            m_row[block] != m_row[i])
+    Turns turns = 0;
+    for (; turns == 0 && block + kBlock <= size; block += kBlock) {
+        turns = loadTurns(m_turns.data() + block);
+        if ((turns & kWithin) != 0)
             break;
+    }
     const auto length = static_cast<int>(block - i);
     return inside(m_column[i], m_row[i], length, 1) ? length : 0;
 }
@@ -259,8 +264,9 @@ int ShiftGather::mixedLength(std::size_t i, std::size_t size, std::int32_t colum
 {
     std::size_t block = i;
     for (; block + kBlock <= size; block += kBlock)
-        if (even(block) || !withinOne(m_column.data() + block, m_row.data() + block,
-                                      column + static_cast<std::int32_t>(block - i), row))
+        if ((loadTurns(m_turns.data() + block) & kWithin) == 0 ||
+            !withinOne(m_column.data() + block, m_row.data() + block,
+                       column + static_cast<std::int32_t>(block - i), row))
             break;
     const auto length = static_cast<int>(block - i);
     return inside(column, row, length + 1, 2) ? length : 0;

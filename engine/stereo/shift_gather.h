@@ -17,12 +17,10 @@ public:
     ShiftGather(const Warp& warp, const Image& src, const Image& depth, Image& out,
                 Image* outDepth);
 
-    void fillRow(const DepthBand& band, int y);
+    void fillRow(DepthBand& band, int y);
 
 private:
-    void bridgeHoles(const float* z, int size, float& last);
     bool inside(int column, int row, int right, int down) const;
-    bool even(std::size_t i) const;
     int evenLength(std::size_t i, std::size_t size) const;
     int mixedLength(std::size_t i, std::size_t size, std::int32_t column, std::int32_t row) const;
     void fillChunk(const float* z, int x0, int size, int y);
@@ -39,11 +37,11 @@ private:
     const Image& m_depth;
     Image& m_out;
     Image* m_outDepth;
-    PerCell<float> m_z;   ///< depths of a chunk, those beside them in the holes
     PerCell<double> m_fu; ///< where a cell samples between two columns, and two rows
     PerCell<double> m_fv;
     PerCell<std::int32_t> m_column; ///< the first of the two
     PerCell<std::int32_t> m_row;
+    PerCell<std::uint8_t> m_turns; ///< where neighbours sample apart
 };
 
 } // namespace zre
