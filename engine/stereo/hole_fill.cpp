@@ -44,7 +44,7 @@ HoleFill<Band>::HoleFill(const Warp& warp, Image& out, Image* outDepth)
     if (m_offset > kNoOffset) {
         m_directionX = warp.offsetX / m_offset;
         m_directionY = warp.offsetY / m_offset;
-        m_laid = layWay(m_directionX, m_directionY, m_ahead) &&
+        m_laid = warp.zoom == 0.0 && layWay(m_directionX, m_directionY, m_ahead) &&
                  layWay(-m_directionX, -m_directionY, m_back);
     }
     const double slope = warp.zoom != 0.0 ? 1.0 : std::fabs(m_directionY);
@@ -106,8 +106,17 @@ void HoleFill<Band>::fillRow(const Band& band, int y)
         aimWay(band, y, m_back);
     }
     m_copies.clear();
-    for (std::size_t i = 0; i < m_holeCount; ++i)
-        fillFrom(winnerFor(band, m_holes[i], y), m_holes[i], y);
+    const int firstFree = std::max(m_ahead.left, m_back.left);
+    const int endFree = m_out.width - std::max(m_ahead.right, m_back.right);
+    for (std::size_t i = 0; i < m_holeCount; ++i) {
+        const int x = m_holes[i];
+        const Winner winner =
+            m_laid && x >= firstFree && x < endFree ? searchWays(band, x) : winnerFor(band, x, y);
+        if (std::isfinite(winner.z))
+            m_copies.push_back({pixel(x, y), winner.pixel});
+        else
+            blacken(x, y);
+    }
     const auto copy = [this](float* plane) {
         for (const Copy& c : m_copies)
             plane[c.to] = plane[c.from];
@@ -142,23 +151,17 @@ void HoleFill<Band>::listHoles(const Band& band, int y)
 }
 
 template <typename Band>
-void HoleFill<Band>::fillFrom(const Winner& winner, int x, int y)
+void HoleFill<Band>::blacken(int x, int y)
 {
-    if (std::isfinite(winner.z))
-        m_copies.push_back({pixel(x, y), winner.pixel});
-    else
-        for (int c = 0; c < m_out.channels; ++c)
-            m_out.plane(c)[pixel(x, y)] = 0.0f;
+    for (int c = 0; c < m_out.channels; ++c)
+        m_out.plane(c)[pixel(x, y)] = 0.0f;
 }
 
 template <typename Band>
 typename HoleFill<Band>::Winner HoleFill<Band>::winnerFor(const Band& band, int x, int y) const
 {
     Winner winner;
-    if (m_laid && x >= std::max(m_ahead.left, m_back.left) &&
-        x + std::max(m_ahead.right, m_back.right) < m_out.width)
-        winner = searchWays(band, x);
-    else if (m_offset > kNoOffset)
+    if (m_offset > kNoOffset)
         search(band, x, y, m_directionX, m_directionY, winner);
     if (m_warp.zoom != 0.0) {
         const double outX = x - m_warp.centerX;

@@ -60,7 +60,7 @@ private:
     void aimWay(const Band& band, int y, Way& way) const;
 
     void listHoles(const Band& band, int y);
-    void fillFrom(const Winner& winner, int x, int y);
+    void blacken(int x, int y);
     Winner winnerFor(const Band& band, int x, int y) const;
     Winner searchWays(const Band& band, int x) const;
     void search(const Band& band, int x, int y, double vx, double vy, Winner& winner) const;
@@ -75,7 +75,7 @@ private:
     double m_directionY = 0.0;
     int m_steps = 0; ///< of the search in each direction
     int m_rowReach = 0;
-    bool m_laid = false; ///< the two ways stand
+    bool m_laid = false; ///< the two ways stand, and there is no zoom
     Way m_ahead;
     Way m_back;
     std::vector<int> m_holes; ///< columns of the row's holes, and how many there are

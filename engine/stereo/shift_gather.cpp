@@ -67,18 +67,20 @@ ZR_KERNEL_STEP void placeCells(const Warp warp, const Cells cells, const float* 
     }
 }
 
-ZR_MULTIVERSION void placeClamped(const Warp& warp, const Cells& cells, const float* __restrict z,
-                                  double* __restrict fu, double* __restrict fv,
-                                  std::int32_t* __restrict column, std::int32_t* __restrict row)
+ZR_MULTIVERSION_512 void placeClamped(const Warp& warp, const Cells& cells,
+                                      const float* __restrict z, double* __restrict fu,
+                                      double* __restrict fv, std::int32_t* __restrict column,
+                                      std::int32_t* __restrict row)
 {
     Warp shift = warp;
     shift.zoom = 0.0;
     placeCells(shift, cells, z, fu, fv, column, row);
 }
 
-ZR_MULTIVERSION void placeShifted(const Warp& warp, const Cells& cells, const float* __restrict z,
-                                  double* __restrict fu, double* __restrict fv,
-                                  std::int32_t* __restrict column, std::int32_t* __restrict row)
+ZR_MULTIVERSION_512 void placeShifted(const Warp& warp, const Cells& cells,
+                                      const float* __restrict z, double* __restrict fu,
+                                      double* __restrict fv, std::int32_t* __restrict column,
+                                      std::int32_t* __restrict row)
 {
     Warp shift = warp;
     shift.zoom = 0.0;
@@ -87,9 +89,9 @@ ZR_MULTIVERSION void placeShifted(const Warp& warp, const Cells& cells, const fl
 }
 
 /// Tells of each cell whether the one after it does not sample one column farther on.
-ZR_MULTIVERSION void markTurns(const std::int32_t* __restrict column,
-                               const std::int32_t* __restrict row, int size,
-                               std::uint8_t* __restrict turns)
+ZR_MULTIVERSION_512 void markTurns(const std::int32_t* __restrict column,
+                                   const std::int32_t* __restrict row, int size,
+                                   std::uint8_t* __restrict turns)
 {
     for (int i = 0; i + 1 < size; ++i)
         turns[i] = (column[i + 1] - column[i] != 1) | (row[i + 1] != row[i]) ? 1 : 0;
@@ -123,19 +125,27 @@ struct Strides
     int channels;
 };
 
+constexpr int kPerCacheLine = 16;
+
 /// Fetches the samples below a run into the cache, which the next row of the output will want:
 /// rows of the source are met in short runs that the processor does not foresee.
 ZR_KERNEL_STEP void fetchNextRow(const float* below, std::size_t stride, int length)
 {
-    constexpr int kPerLine = 16;
-    for (int k = 0; k < length; k += kPerLine)
+    for (int k = 0; k < length; k += kPerCacheLine)
         __builtin_prefetch(below + stride + k);
 }
 
+/// Fetches a piece of the output while its places are being computed.
+void fetchToWrite(const float* out, int length)
+{
+    for (int k = 0; k < length; k += kPerCacheLine)
+        __builtin_prefetch(out + k, 1);
+}
+
 /// Samples neighbours of every plane, from the upper left sample of the first cell on.
-ZR_MULTIVERSION void sampleEvenRun(const float* __restrict first, const Strides& strides,
-                                   int length, const double* __restrict fu,
-                                   const double* __restrict fv, float* __restrict out)
+ZR_MULTIVERSION_512 void sampleEvenRun(const float* __restrict first, const Strides& strides,
+                                       int length, const double* __restrict fu,
+                                       const double* __restrict fv, float* __restrict out)
 {
     for (int c = 0; c < strides.channels; ++c, first += strides.plane, out += strides.plane) {
         const float* const below = first + strides.row;
@@ -147,12 +157,11 @@ ZR_MULTIVERSION void sampleEvenRun(const float* __restrict first, const Strides&
 
 /// The same for cells some of which sample one column farther right or one row farther down: where
 /// `column` and `row` are not those of the first sample.
-ZR_MULTIVERSION void sampleMixedRun(const float* __restrict first, const Strides& strides,
-                                    int length, const double* __restrict fu,
-                                    const double* __restrict fv,
-                                    const std::int32_t* __restrict column,
-                                    const std::int32_t* __restrict row, std::int32_t firstColumn,
-                                    std::int32_t firstRow, float* __restrict out)
+ZR_MULTIVERSION_512 void
+sampleMixedRun(const float* __restrict first, const Strides& strides, int length,
+               const double* __restrict fu, const double* __restrict fv,
+               const std::int32_t* __restrict column, const std::int32_t* __restrict row,
+               std::int32_t firstColumn, std::int32_t firstRow, float* __restrict out)
 {
     for (int c = 0; c < strides.channels; ++c, first += strides.plane, out += strides.plane) {
         const float* const middle = first + strides.row;
@@ -219,6 +228,8 @@ void ShiftGather::fillRow(DepthBand& band, int y)
 
 void ShiftGather::fillChunk(const float* z, int x0, int size, int y)
 {
+    for (int c = 0; c < m_out.channels; ++c)
+        fetchToWrite(m_out.plane(c) + indexOf(m_src, x0, y), size);
     (onlyShifts(m_warp) ? placeShifted : placeClamped)(m_warp, {x0, size, y}, z, m_fu.data(),
                                                        m_fv.data(), m_column.data(), m_row.data());
     markTurns(m_column.data(), m_row.data(), size, m_turns.data());

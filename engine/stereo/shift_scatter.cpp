@@ -93,14 +93,14 @@ ZR_KERNEL_STEP void landAll(const Warp& warp, bool clamped, const float* depth, 
     landEach(warp, clamped, depth + x, x, y, rows.width - x, rows, band);
 }
 
-ZR_MULTIVERSION void landClamped(const Warp& warp, const float* depth, int y, int height,
-                                 const Rows& rows, DepthBand& band)
+ZR_MULTIVERSION_512 void landClamped(const Warp& warp, const float* depth, int y, int height,
+                                     const Rows& rows, DepthBand& band)
 {
     landAll(warp, true, depth, y, height, rows, band);
 }
 
-ZR_MULTIVERSION void landShifted(const Warp& warp, const float* depth, int y, int height,
-                                 const Rows& rows, DepthBand& band)
+ZR_MULTIVERSION_512 void landShifted(const Warp& warp, const float* depth, int y, int height,
+                                     const Rows& rows, DepthBand& band)
 {
     landAll(warp, false, depth, y, height, rows, band);
 }
