@@ -24,6 +24,7 @@ constexpr std::array kCommands{
     Command{"--selftest-splash", 1, diag::splash},
     Command{"--selftest-icons", 1, diag::icons},
     Command{"--selftest-ranges", 1, diag::ranges},
+    Command{"--selftest-sliders", 1, diag::sliders},
 };
 
 } // namespace

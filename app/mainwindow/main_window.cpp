@@ -8,12 +8,14 @@
 #include <QCloseEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSplitter>
 #include <QStatusBar>
 
 #include "app/mainwindow/empty_state.h"
 #include "app/mainwindow/help_text.h"
 #include "app/mainwindow/main_toolbar.h"
 #include "app/mainwindow/preview_view.h"
+#include "app/panel/control_panel.h"
 #include "app/mainwindow/readout.h"
 #include "app/persist/appcfg.h"
 #include "app/prefs/theme_manager.h"
@@ -37,10 +39,13 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     : m_prompter(prompter ? std::move(prompter) : std::make_unique<DesktopPrompter>(this))
     , m_stages(*statusBar(), *this)
     , m_preview(new PreviewView(this))
-    , m_render(*this,
-               [this](QImage picture, bool processed) {
-                   m_preview->setPreview(std::move(picture), processed);
-               })
+    , m_render(*this, {[this](QImage picture, bool processed) {
+                           m_preview->setPreview(std::move(picture), processed);
+                       },
+                       [this] { syncParamsFromUi(); }, [this] { return activeColorRows(); }})
+    , m_params(*this, [this] { onParamsChanged(); })
+    , m_colorPick(*this, *m_preview,
+                  [this](int row, const QColor& color) { m_params.setPickedColor(row, color); })
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
                opener(&MainWindow::loadColorProfileFile))
     , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
@@ -65,7 +70,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
             &MainWindow::applyIconColors);
     m_preview->setEmptyState(new EmptyState(findChild<QAction*>("openImage"),
                                             findChild<QAction*>("openBuiltInScene"), m_preview));
-    setCentralWidget(m_preview);
+    buildControlPanel();
     setWindowTitle(windowTitleFor(m_session));
     resize(1280, 800);
     restoreGeometry(appcfg::windowGeometry());
@@ -132,7 +137,7 @@ void MainWindow::buildMenus()
                   &MainWindow::showAbout},
     };
     menuTitled(kFile);
-    menuTitled(kEdit);
+    addHistoryActions(menuTitled(kEdit));
     addViewActions(menuTitled(kView));
     for (const ActionRow& row : kRows)
         addRow(row);
@@ -140,6 +145,26 @@ void MainWindow::buildMenus()
     m_recentMenu->setObjectName("recentMenu");
     menuTitled(kFile).insertMenu(findChild<QAction*>("openBuiltInScene"), m_recentMenu);
     connect(m_recentMenu, &QMenu::aboutToShow, this, &MainWindow::buildRecentMenu);
+}
+
+void MainWindow::buildControlPanel()
+{
+    constexpr int kPanelWidth = 360;
+    m_splitter = new QSplitter(this);
+    ControlPanel& panel = m_params.buildControlPanel(m_splitter);
+    m_splitter->addWidget(&panel);
+    m_splitter->addWidget(m_preview);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setSizes({kPanelWidth, width() - kPanelWidth});
+    m_splitter->restoreState(appcfg::splitterState());
+    setCentralWidget(m_splitter);
+    connect(&panel, &ControlPanel::viewDepthMapRequested, this, &MainWindow::viewDepthMap);
+    connect(&panel, &ControlPanel::loadDepthMapRequested, this, &MainWindow::loadDepthMap);
+    connect(&panel, &ControlPanel::clearDepthMapRequested, this, &MainWindow::clearDepthMap);
+    connect(&panel, &ControlPanel::loadColorProfileRequested, this, &MainWindow::loadColorProfile);
+    connect(&panel, &ControlPanel::saveColorProfileRequested, this, &MainWindow::saveColorProfile);
+    connect(&panel, &ControlPanel::pickColorRequested, this, &MainWindow::pickColor);
 }
 
 void MainWindow::addViewActions(QMenu& menu)
@@ -169,6 +194,18 @@ static QList<QKeySequence> shortcutsOf(QKeySequence::StandardKey standard, const
         if (!each.isEmpty() && !all.contains(each))
             all << each;
     return all;
+}
+
+void MainWindow::addHistoryActions(QMenu& menu)
+{
+    QAction* undo = m_params.history().createUndoAction(this, tr("&Undo"));
+    undo->setObjectName("undo");
+    undo->setShortcuts(shortcutsOf(QKeySequence::Undo, "Ctrl+Z"));
+    QAction* redo = m_params.history().createRedoAction(this, tr("&Redo"));
+    redo->setObjectName("redo");
+    redo->setShortcuts(shortcutsOf(QKeySequence::Redo, "Ctrl+Shift+Z"));
+    menu.addActions({undo, redo});
+    menu.addSeparator();
 }
 
 void MainWindow::addRow(const ActionRow& row)
@@ -236,13 +273,14 @@ void MainWindow::documentReplaced()
     setWindowTitle(windowTitleFor(m_session));
     for (QAction* view : m_views->actions())
         view->setChecked(view->data().toInt() == m_session.outputMode);
+    m_params.documentReplaced();
     m_render.showDocument();
     updateGates();
 }
 
-void MainWindow::documentChanged(const zre::ZRParams& params, const QString& /*label*/)
+void MainWindow::documentChanged(const zre::ZRParams& params, const QString& label)
 {
-    m_session.params = params;
+    m_params.takeStep(params, label);
     updateGates();
     renderNow();
 }
@@ -275,8 +313,10 @@ bool MainWindow::busyRun(const std::function<void()>& work)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(!m_busy.active());
-    if (event->isAccepted())
-        appcfg::setWindowGeometry(saveGeometry());
+    if (!event->isAccepted())
+        return;
+    appcfg::setWindowGeometry(saveGeometry());
+    appcfg::setSplitterState(m_splitter->saveState());
 }
 
 // Keys come here that no focused control has a use for.
@@ -342,6 +382,12 @@ void MainWindow::zoomToFit()
 void MainWindow::zoomToPixels()
 {
     m_preview->zoomToPixels();
+}
+
+void MainWindow::showPreferences()
+{
+    m_preferences.showPreferences();
+    m_params.refreshValueTexts();
 }
 
 void MainWindow::showShortcuts()

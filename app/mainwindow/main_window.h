@@ -6,10 +6,12 @@
 #include <QMainWindow>
 
 #include "app/mainwindow/busy_guard.h"
+#include "app/mainwindow/color_pick_controller.h"
 #include "app/mainwindow/color_profile_controller.h"
 #include "app/mainwindow/depth_map_controller.h"
 #include "app/mainwindow/document_controller.h"
 #include "app/mainwindow/drop_controller.h"
+#include "app/mainwindow/params_controller.h"
 #include "app/mainwindow/preferences_controller.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/recent_controller.h"
@@ -23,6 +25,7 @@
 class MainToolbar;
 class PreviewView;
 class QActionGroup;
+class QSplitter;
 
 /// When an action can be used.
 enum class Gate
@@ -63,6 +66,11 @@ public:
     void warnIfNoFfmpeg() { m_preferences.warnIfNoFfmpeg(); }
     void applyIconColors();
 
+    void syncParamsFromUi() { m_params.syncParamsFromUi(); }
+    void syncUiFromParams() { m_params.syncUiFromParams(); }
+    int activeColorRows() const { return m_params.activeColorRows(); }
+    void setImageGatedSectionsEnabled(bool on) { m_params.setImageGatedSectionsEnabled(on); }
+    void onParamsChanged() { m_render.onParamsChanged(); }
     void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
     int currentOutputMode() const { return m_session.outputMode; }
     bool renderCurrentViewFullRes(zre::Image& out);
@@ -97,6 +105,8 @@ private:
 
     std::function<void(const QString&)> opener(bool (MainWindow::*open)(const QString&));
     void buildMenus();
+    void buildControlPanel();
+    void addHistoryActions(QMenu& menu);
     void addViewActions(QMenu& menu);
     void addRow(const ActionRow& row);
     QMenu& menuTitled(const QString& title);
@@ -119,7 +129,8 @@ private:
     void zoomOut();
     void zoomToFit();
     void zoomToPixels();
-    void showPreferences() { m_preferences.showPreferences(); }
+    void pickColor(int row) { m_colorPick.pickColor(row); }
+    void showPreferences();
     void showShortcuts();
     void showAbout();
 
@@ -130,6 +141,8 @@ private:
     StageDisplay m_stages;
     PreviewView* m_preview; ///< owned by the window
     RenderController m_render;
+    ParamsController m_params;
+    ColorPickController m_colorPick;
     DocumentController m_documents{*this};
     DepthMapController m_depthMaps{*this};
     ColorProfileController m_colorProfiles{*this};
@@ -137,6 +150,7 @@ private:
     DropController m_drops;
     StillController m_stills;
     PreferencesController m_preferences;
+    QSplitter* m_splitter = nullptr;  ///< owned by the window
     MainToolbar* m_toolbar = nullptr; ///< owned by the window
     QActionGroup* m_views = nullptr;  ///< owned by the window
     QMenu* m_recentMenu = nullptr;    ///< owned by the window

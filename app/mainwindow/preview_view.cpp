@@ -267,6 +267,8 @@ void PreviewView::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
+    if (m_picking && pick(*event))
+        return;
     m_splitDragged = canCompare() && m_split.isNear(event->position(), width());
     m_dragging = !m_splitDragged;
     m_dragFrom = event->position();
@@ -278,6 +280,8 @@ void PreviewView::showCursorShape(QPointF at)
     const bool onSplit = canCompare() && m_split.isNear(at, width());
     if (m_pyramid.isNull())
         setCursor(Qt::ArrowCursor);
+    else if (m_picking)
+        setCursor(Qt::CrossCursor);
     else if (m_splitDragged || (onSplit && !m_dragging))
         setCursor(Qt::SplitHCursor);
     else
@@ -299,6 +303,43 @@ void PreviewView::mouseMoveEvent(QMouseEvent* event)
         tellCursor();
     }
     showCursorShape(event->position());
+}
+
+void PreviewView::startPicking()
+{
+    if (m_pyramid.isNull())
+        return;
+    m_picking = true;
+    showCursorShape(m_cursor.value_or(QPointF(-1, -1)));
+    setFocus();
+}
+
+void PreviewView::stopPicking()
+{
+    m_picking = false;
+    showCursorShape(m_cursor.value_or(QPointF(-1, -1)));
+}
+
+void PreviewView::cancelPicking(QKeyEvent& event)
+{
+    if (!m_picking) {
+        event.ignore();
+        return;
+    }
+    stopPicking();
+    emit pickingCancelled();
+}
+
+/// Whether the click hit the picture and was taken.
+bool PreviewView::pick(const QMouseEvent& event)
+{
+    const QPointF at = m_transform.toImage(devicePoint(event.position()));
+    const QPoint pixel(static_cast<int>(std::floor(at.x())), static_cast<int>(std::floor(at.y())));
+    if (event.button() != Qt::LeftButton || !QRect({0, 0}, m_pyramid.size()).contains(pixel))
+        return false;
+    stopPicking();
+    emit picked(pixel);
+    return true;
 }
 
 void PreviewView::mouseReleaseEvent(QMouseEvent* event)
@@ -329,6 +370,9 @@ void PreviewView::keyPressEvent(QKeyEvent* event)
 {
     QPointF step;
     switch (event->key()) {
+    case Qt::Key_Escape:
+        cancelPicking(*event);
+        return;
     case Qt::Key_Left:
         step = {kKeyPanPixels, 0};
         break;

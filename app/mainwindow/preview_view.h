@@ -39,6 +39,9 @@ public:
     /// What fills the view until a picture comes; the view takes ownership.
     void setEmptyState(QWidget* widget);
 
+    /// The next click into the picture is answered by `picked`; the escape key calls it off.
+    void startPicking();
+
     void zoomIn();
     void zoomOut();
     void zoomToFit();
@@ -47,6 +50,9 @@ public:
     const PreviewTransform& transform() const { return m_transform; }
 
 signals:
+    /// The pixel of the shown picture that was clicked after `startPicking`.
+    void picked(QPoint pixel);
+    void pickingCancelled();
     /// Device pixels shown for one picture pixel; 0 without a picture.
     void zoomChanged(double scale, bool fitted);
     /// The cursor is over this place of the picture, in its pixels; it may lie beside it.
@@ -70,6 +76,9 @@ protected:
 
 private:
     QPointF devicePoint(QPointF logical) const { return logical * devicePixelRatioF(); }
+    bool pick(const QMouseEvent& event);
+    void stopPicking();
+    void cancelPicking(QKeyEvent& event);
     void syncViewSize();
     void transformChanged();
     bool canCompare() const;
@@ -95,6 +104,7 @@ private:
     QWidget* m_emptyState = nullptr; ///< a child
     QPointF m_dragFrom;
     bool m_dragging = false;
+    bool m_picking = false;
     std::function<QString(const QList<QUrl>&)> m_dropOffer;
     QString m_dropText; ///< set while files hover
 };

@@ -1,20 +1,50 @@
 #include "app/mainwindow/render_controller.h"
 
 #include <new>
+#include <optional>
 #include <utility>
+
+#include <QGuiApplication>
 
 #include "app/mainwindow/depth_colors.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/persist/appcfg.h"
+#include "app/session/output_view.h"
 #include "app/session/render_pipeline.h"
 #include "engine/qt/zre_qt.h"
 
-static constexpr int kSourceView = 0;
 static constexpr int kDepthView = 1;
 
-RenderController::RenderController(ShellHost& host, Show show)
+RenderController::RenderController(ShellHost& host, Hooks hooks)
     : m_host(host)
-    , m_show(std::move(show))
+    , m_hooks(std::move(hooks))
 {
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(kDelayMs);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onRenderTimer(); });
+}
+
+bool paintsManyColors(const zre::ZRParams& params, int activeRows)
+{
+    constexpr int kFewRows = 3;
+    return params.colorDepthEnabled && params.colorDepthWeight > 0.0f && activeRows > kFewRows;
+}
+
+void RenderController::onParamsChanged()
+{
+    if (!m_host.session().hasSource())
+        return;
+    m_host.showStatus("Updating...");
+    m_timer.start();
+}
+
+// Work under way shows its stages in a dialog that lets timers run.
+void RenderController::onRenderTimer()
+{
+    if (m_host.isBusy())
+        m_timer.start();
+    else
+        renderNow();
 }
 
 void RenderController::onOutputModeChanged(int view)
@@ -25,25 +55,46 @@ void RenderController::onOutputModeChanged(int view)
 
 void RenderController::showDocument()
 {
-    if (m_host.session().hasSource())
+    if (m_host.session().hasSource()) {
         renderNow();
-    else
-        m_show({}, false);
+        return;
+    }
+    m_timer.stop();
+    m_hooks.show({}, false);
 }
 
 void RenderController::renderNow()
 {
     if (!m_host.session().hasSource())
         return;
+    m_timer.stop(); // this picture shows all that it waits for
+    m_hooks.syncParams();
     m_host.showStatus("Updating...");
-    m_host.busyRun([this] { updatePreview(); });
+    const bool withProgress = deservesProgress();
+    m_host.busyRun([&] {
+        std::optional<ProgressScope> progress;
+        if (withProgress)
+            progress.emplace(m_host, "Updating depth map", "Building depth map...");
+        updatePreview();
+    });
+}
+
+/// Never while a slider is dragged, and not within other work, which shows stages of its own.
+bool RenderController::deservesProgress() const
+{
+    const Session& session = m_host.session();
+    return paintsManyColors(session.params, m_hooks.activeColorRows()) &&
+           QGuiApplication::mouseButtons() == Qt::NoButton && !m_host.isBusy() &&
+           session.outputMode != kSourceView && !m_host.pipeline().standingDepth();
 }
 
 void RenderController::updatePreview()
 {
     zre::Image picture;
     QString status;
-    if (!m_host.pipeline().renderView(m_host.session().outputMode, {}, picture, &status))
+    AnaglyphGains gains;
+    appcfg::anaglyphTrim(gains.r, gains.g, gains.b);
+    if (!m_host.pipeline().renderView(m_host.session().outputMode, gains, picture, &status))
         return;
     const int view = m_host.session().outputMode;
     QImage shown =
@@ -51,7 +102,7 @@ void RenderController::updatePreview()
     if (shown.isNull())
         throw std::bad_alloc(); // the toolkit's way of saying so is a null picture
     picture = zre::Image();     // what follows copies pixels again
-    m_show(std::move(shown), view != kSourceView);
+    m_hooks.show(std::move(shown), view != kSourceView);
     m_host.showStatus(status);
 }
 

@@ -3,8 +3,10 @@
 #include <functional>
 
 #include <QImage>
+#include <QTimer>
 
 #include "engine/image/image.h"
+#include "engine/params/params.h"
 
 class ShellHost;
 
@@ -12,11 +14,22 @@ class ShellHost;
 class RenderController
 {
 public:
-    /// Puts a picture before the user; `processed` unless it is the source itself.
-    using Show = std::function<void(QImage picture, bool processed)>;
+    /// How long the controls rest before a picture follows them.
+    static constexpr int kDelayMs = 120;
 
-    RenderController(ShellHost& host, Show show);
+    /// What rendering takes from the rest of the window.
+    struct Hooks
+    {
+        /// Puts a picture before the user; `processed` unless it is the source itself.
+        std::function<void(QImage picture, bool processed)> show;
+        std::function<void()> syncParams;     ///< the session's parameters from the controls
+        std::function<int()> activeColorRows; ///< colour rows that are switched on
+    };
 
+    RenderController(ShellHost& host, Hooks hooks);
+
+    /// A control changed: a picture follows once the controls rest, one for all changes till then.
+    void onParamsChanged();
     /// Another output view was chosen.
     void onOutputModeChanged(int view);
     /// Another document, or none, stands in the session.
@@ -32,7 +45,15 @@ public:
     bool renderCurrentViewFullRes(zre::Image& out);
 
 private:
+    void onRenderTimer();
+    bool deservesProgress() const;
+
     ShellHost& m_host;
-    Show m_show;
+    Hooks m_hooks;
+    QTimer m_timer;
     bool m_depthInColor = false;
 };
+
+/// Whether building the depth takes so long that the user is to see its stages: with many colour
+/// rows at work.
+bool paintsManyColors(const zre::ZRParams& params, int activeRows);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -38,6 +39,7 @@ public:
         m_box->setAlignment(Qt::AlignRight);
         constexpr int kFrame = 14; // margins, and the cursor at the end
         m_box->setFixedWidth(m_box->fontMetrics().horizontalAdvance("00.000 px") + kFrame);
+        m_box->installEventFilter(this);
         m_label->setBuddy(m_slider);
         refreshTexts();
 
@@ -73,6 +75,18 @@ public:
         m_slider->setToolTip(help);
         m_box->setToolTip(help);
         m_box->setText(valueText(m_row, static_cast<double>(m_value), m_percent));
+    }
+
+    /// A box in which nothing is typed leaves undo and redo to the window.
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::ShortcutOverride || m_box->isModified())
+            return RowBinding::eventFilter(watched, event);
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (!key.matches(QKeySequence::Undo) && !key.matches(QKeySequence::Redo))
+            return RowBinding::eventFilter(watched, event);
+        event->ignore();
+        return true;
     }
 
 private:

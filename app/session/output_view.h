@@ -11,6 +11,9 @@ struct OutputView
     const char* dialogName; ///< in dialogs
 };
 
+/// The picture as it was opened, the one view that needs no depth.
+inline constexpr int kSourceView = 0;
+
 /// The views that can be shown so far.
 inline constexpr std::array kOutputViews{
     OutputView{0, "source", "Original image", "source image"},

@@ -2,10 +2,12 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 #include "app/main/app_icon.h"
 #include "app/mainwindow/main_window.h"
+#include "app/panel/control_panel.h"
 #include "app/persist/appcfg.h"
 #include "app/prefs/preferences_dialog.h"
 #include "app/prefs/splash_screen.h"
@@ -22,7 +24,7 @@ static bool grab(QWidget& window, const QString& folder, const QString& name)
 }
 
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
-/// empty and with IMAGE or the built-in scene in each view and theme.
+/// empty and with IMAGE or the built-in scene in each view, tab and theme.
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
@@ -55,6 +57,13 @@ int main(int argc, char** argv)
         window.findChild<QAction*>(QString("view.") + view.key)->trigger();
         saved = grab(window, arguments[1], QString("window-") + view.key) && saved;
     }
+    window.findChild<QAction*>("view.anaglyph")->trigger();
+    auto& tabs = *window.findChild<ControlPanel*>()->findChild<QTabWidget*>();
+    for (int tab = 1; tab < tabs.count(); ++tab) { // the first one stands in the pictures above
+        tabs.setCurrentIndex(tab);
+        saved = grab(window, arguments[1], "window-tab-" + tabs.tabText(tab).toLower()) && saved;
+    }
+    tabs.setCurrentIndex(0);
     theme.setModeTransient(ThemeManager::Mode::Light);
     saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;

@@ -12,6 +12,9 @@ int wcsBuild(const QStringList& arguments);
 int imageLoad(const QStringList& arguments);
 /// The parameter table and the text form; with a parameter text file as argument, its values too.
 int ranges(const QStringList& arguments);
+/// Every slider of the panel against its parameter's range; with a parameter text file as argument,
+/// its record through the controls and back.
+int sliders(const QStringList& arguments);
 /// The depth map keeps its resolution, in pixels and in levels, into a file and back.
 int depthResolution(const QStringList& arguments);
 /// No speck of an unfilled hole is left in a warped frame.
