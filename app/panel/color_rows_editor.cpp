@@ -65,7 +65,7 @@ ColorRowsEditor::ColorRowsEditor(QGridLayout& grid, WheelGuard& guard, QWidget* 
     : RowBinding(parent)
 {
     auto* table = new QGridLayout;
-    table->setHorizontalSpacing(4);
+    table->setHorizontalSpacing(6);
     table->setVerticalSpacing(4);
     grid.addLayout(table, grid.rowCount(), 0, 1, kColumns);
     addTitles(*table, parent);
