@@ -15,8 +15,8 @@
 #include "app/mainwindow/help_text.h"
 #include "app/mainwindow/main_toolbar.h"
 #include "app/mainwindow/preview_view.h"
-#include "app/panel/control_panel.h"
 #include "app/mainwindow/readout.h"
+#include "app/panel/control_panel.h"
 #include "app/persist/appcfg.h"
 #include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
@@ -51,7 +51,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
               opener(&MainWindow::loadColorProfileFile))
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
-    , m_preferences(*this, *this, [this] { m_toolbar->applyGroups(); })
+    , m_preferences(*this, *this, [this] { settingsChanged(); })
 {
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
@@ -384,9 +384,9 @@ void MainWindow::zoomToPixels()
     m_preview->zoomToPixels();
 }
 
-void MainWindow::showPreferences()
+void MainWindow::settingsChanged()
 {
-    m_preferences.showPreferences();
+    m_toolbar->applyGroups();
     m_params.refreshValueTexts();
 }
 

@@ -130,7 +130,8 @@ private:
     void zoomToFit();
     void zoomToPixels();
     void pickColor(int row) { m_colorPick.pickColor(row); }
-    void showPreferences();
+    void showPreferences() { m_preferences.showPreferences(); }
+    void settingsChanged();
     void showShortcuts();
     void showAbout();
 

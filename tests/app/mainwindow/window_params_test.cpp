@@ -257,7 +257,7 @@ struct HeavyRender : testing::Test
 {
     FakeHost host;
     int rows = 4;
-    RenderController render{host, {[](QImage) {}, [] {}, [this] { return rows; }}};
+    RenderController render{host, {[](QImage, bool) {}, [] {}, [this] { return rows; }}};
 
     int dialogs() const { return static_cast<int>(host.statuses.count("Building depth map...")); }
 };
