@@ -24,6 +24,8 @@ struct ButtonRow
 constexpr std::array kButtons{
     ButtonRow{"openImage", ToolbarGroup::LoadSave, false, "recentMenu"},
     ButtonRow{"saveImage", ToolbarGroup::Export, false},
+    ButtonRow{"undo", ToolbarGroup::Tools, false},
+    ButtonRow{"redo", ToolbarGroup::Tools, false},
     ButtonRow{"view.source", ToolbarGroup::View, true},
     ButtonRow{"view.depth", ToolbarGroup::View, true},
     ButtonRow{"view.anaglyph", ToolbarGroup::View, true},

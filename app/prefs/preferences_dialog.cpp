@@ -33,7 +33,8 @@ constexpr std::array kToolbarRows{
                "The button that writes the current view into a file."},
     ToolbarRow{appcfg::ToolbarGroup::View, "View",
                "The buttons of the views and of the preview's scale."},
-    ToolbarRow{appcfg::ToolbarGroup::Tools, "Tools", "The button that opens this dialog."},
+    ToolbarRow{appcfg::ToolbarGroup::Tools, "Tools",
+               "The buttons that undo, redo and open this dialog."},
 };
 
 constexpr std::array kModes{"System", "Light", "Dark"}; // in the order of ThemeManager::Mode
