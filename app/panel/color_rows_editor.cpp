@@ -48,10 +48,10 @@ QColor colorOf(const zre::ColorDepthRow& row)
     return QColor::fromRgbF(bound(row.r), bound(row.g), bound(row.b));
 }
 
-QString shareText(float value)
+QString shareText(float value, bool percent)
 {
-    return appcfg::showValuesAsPercent() ? QString("%1 %").arg(std::lround(value * kSteps))
-                                         : QString::number(static_cast<double>(value), 'f', 2);
+    return percent ? QString("%1 %").arg(std::lround(value * kSteps))
+                   : QString::number(static_cast<double>(value), 'f', 2);
 }
 
 QString lineName(int row)
@@ -72,6 +72,7 @@ ColorRowsEditor::ColorRowsEditor(QGridLayout& grid, WheelGuard& guard, QWidget* 
     for (int row = 0; row < kRows; ++row)
         addLine(row, *table, guard, parent);
     load({});
+    refreshTexts();
 }
 
 void ColorRowsEditor::addTitles(QGridLayout& grid, QWidget* parent)
@@ -167,7 +168,7 @@ void ColorRowsEditor::show(int row)
          {std::pair{line.tolerance, values.tolerance}, std::pair{line.depth, values.depth}}) {
         const QSignalBlocker quiet(share.slider);
         share.slider->setValue(static_cast<int>(std::lround(bound(value) * kSteps)));
-        share.text->setText(shareText(bound(value)));
+        share.text->setText(shareText(bound(value), m_percent));
     }
 }
 
@@ -184,6 +185,7 @@ void ColorRowsEditor::follow(const zre::ZRParams& params)
 
 void ColorRowsEditor::refreshTexts()
 {
+    m_percent = appcfg::showValuesAsPercent();
     for (int row = 0; row < kRows; ++row)
         show(row);
 }

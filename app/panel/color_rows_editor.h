@@ -68,4 +68,5 @@ private:
     std::array<Line, kRows> m_lines{};
     std::vector<zre::ColorDepthRow> m_rows; ///< those shown, and any further ones of a file
     std::string m_text; ///< as loaded until a line changes, so that loading alone changes nothing
+    bool m_percent = true;
 };

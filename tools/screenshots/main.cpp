@@ -58,10 +58,11 @@ int main(int argc, char** argv)
         saved = grab(window, arguments[1], QString("window-") + view.key) && saved;
     }
     window.findChild<QAction*>("view.anaglyph")->trigger();
-    auto& tabs = *window.findChild<ControlPanel*>()->findChild<QTabWidget*>();
-    for (int tab = 1; tab < tabs.count(); ++tab) { // the first one stands in the pictures above
+    auto& panel = *window.findChild<ControlPanel*>();
+    auto& tabs = *panel.findChild<QTabWidget*>();
+    for (int tab = 0; tab < tabs.count(); ++tab) {
         tabs.setCurrentIndex(tab);
-        saved = grab(window, arguments[1], "window-tab-" + tabs.tabText(tab).toLower()) && saved;
+        saved = grab(panel, arguments[1], "panel-" + tabs.tabText(tab).toLower()) && saved;
     }
     tabs.setCurrentIndex(0);
     theme.setModeTransient(ThemeManager::Mode::Light);

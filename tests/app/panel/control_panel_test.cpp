@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -194,6 +195,23 @@ TEST_F(Panel, LeavingABoxUntouchedChangesNothing)
     emit get<QLineEdit>("smoothness.box").editingFinished();
     EXPECT_EQ(params().smoothness, fine.smoothness);
     EXPECT_TRUE(edits.isEmpty());
+}
+
+TEST_F(Panel, ABoxKeepsTheUndoKeysOnlyWhileSomethingIsTyped)
+{
+    auto& box = get<QLineEdit>("smoothness.box");
+    const auto keepsUndo = [&box] {
+        QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_Z, Qt::ControlModifier);
+        key.ignore();
+        QApplication::sendEvent(&box, &key);
+        return key.isAccepted();
+    };
+    EXPECT_FALSE(keepsUndo());
+    QKeyEvent typed(QEvent::KeyPress, Qt::Key_7, Qt::NoModifier, "7");
+    QApplication::sendEvent(&box, &typed);
+    EXPECT_TRUE(keepsUndo());
+    emit box.editingFinished();
+    EXPECT_FALSE(keepsUndo());
 }
 
 TEST_F(Panel, RawNumbersComeAndGoWithTheSetting)
