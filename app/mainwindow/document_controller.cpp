@@ -10,6 +10,7 @@
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/run_aside.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/mainwindow/thumbnail_store.h"
 #include "app/persist/recent_files.h"
 #include "app/session/carry_over.h"
 #include "app/session/open_document.h"
@@ -76,9 +77,17 @@ bool DocumentController::loadImageFromPath(const QString& path)
     });
     if (opened) {
         appcfg::rememberDialogPath(kDialog, path);
-        recent::pushFile(appcfg::RecentCategory::Images, path);
+        addRecentFile(path);
     }
     return opened;
+}
+
+void DocumentController::addRecentFile(const QString& path)
+{
+    recent::pushFile(appcfg::RecentCategory::Images, path);
+    const ThumbnailStore thumbnails;
+    thumbnails.add(path, m_host.session().source);
+    thumbnails.keepOnly(recent::entries(appcfg::RecentCategory::Images));
 }
 
 void DocumentController::openBuiltInScene()

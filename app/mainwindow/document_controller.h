@@ -40,6 +40,8 @@ public:
 private:
     /// Fills a record of its own; false with a message.
     using Load = std::function<bool(Session&, QString* error)>;
+    /// The session's image was read from `path`.
+    void addRecentFile(const QString& path);
     bool openWith(const Load& load);
     bool decode(const Load& load, Session& loaded);
     void install(Session loaded, bool carryOver);

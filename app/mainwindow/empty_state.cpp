@@ -1,12 +1,23 @@
 #include "app/mainwindow/empty_state.h"
 
+#include <utility>
+
 #include <QAction>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
+#include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/mainwindow/thumbnail_store.h"
+#include "app/persist/recent_files.h"
+
 static constexpr int kIconSide = 96;
+static constexpr int kTiles = 4;
+static constexpr QColor kFaint(0xa8, 0xa8, 0xae);
 
 static QLabel* line(const QString& text, int pointsLarger, const QColor& color)
 {
@@ -21,16 +32,31 @@ static QLabel* line(const QString& text, int pointsLarger, const QColor& color)
     return label;
 }
 
-static QPushButton* buttonOf(QAction* action)
+static QPushButton* buttonOf(QAction* action, const QString& text)
 {
-    auto* button = new QPushButton(action->text().remove('&')); // Alt+letter is the menus'
+    auto* button = new QPushButton(text);
     button->setMinimumSize(200, 34);
     QObject::connect(button, &QPushButton::clicked, action, &QAction::trigger);
     return button;
 }
 
-EmptyState::EmptyState(QAction* open, QAction* openScene, QWidget* parent)
+/// In the place of a picture that there is none of: what kind of file it is.
+static QPixmap placeholder(const QString& path)
+{
+    QPixmap pixmap(ThumbnailStore::kWidth, ThumbnailStore::kHeight);
+    pixmap.fill(QColor(0x2c, 0x2c, 0x30));
+    QPainter painter(&pixmap);
+    painter.setPen(kFaint);
+    painter.drawText(pixmap.rect(), Qt::AlignCenter, QFileInfo(path).suffix().toUpper());
+    return pixmap;
+}
+
+EmptyState::EmptyState(QAction* open, QAction* openScene,
+                       std::function<void(const QString&)> openRecent, QWidget* parent)
     : QWidget(parent)
+    , m_openRecent(std::move(openRecent))
+    , m_recent(new QWidget)
+    , m_tiles(new QHBoxLayout(m_recent))
 {
     auto* icon = new QLabel;
     icon->setAlignment(Qt::AlignCenter);
@@ -42,10 +68,47 @@ EmptyState::EmptyState(QAction* open, QAction* openScene, QWidget* parent)
     column->addWidget(icon);
     column->addSpacing(6);
     column->addWidget(line(tr("Open an image to begin."), 5, QColor(0xe8, 0xe8, 0xea)));
-    column->addWidget(line(tr("Drop a file here, or choose one: XISF, FITS, TIFF, PNG, JPEG."), 0,
-                           QColor(0xa8, 0xa8, 0xae)));
+    column->addWidget(
+        line(tr("Drop a file here, or choose one: XISF, FITS, TIFF, PNG, JPEG."), 0, kFaint));
     column->addSpacing(10);
-    for (QAction* action : {open, openScene})
-        column->addWidget(buttonOf(action), 0, Qt::AlignHCenter);
+    column->addWidget(buttonOf(open, tr("Open an image...")), 0, Qt::AlignHCenter);
+    column->addWidget(buttonOf(openScene, tr("Try the built-in scene")), 0, Qt::AlignHCenter);
+    column->addSpacing(14);
+    column->addWidget(m_recent, 0, Qt::AlignHCenter);
     column->addStretch(3);
+}
+
+void EmptyState::showEvent(QShowEvent* event)
+{
+    showRecentImages();
+    QWidget::showEvent(event);
+}
+
+void EmptyState::showRecentImages()
+{
+    qDeleteAll(m_recent->findChildren<QToolButton*>());
+    const QStringList paths = recent::entries(appcfg::RecentCategory::Images);
+    for (const QString& path : paths)
+        if (m_tiles->count() < kTiles && QFileInfo(path).isFile())
+            m_tiles->addWidget(tileOf(path));
+    m_recent->setVisible(m_tiles->count() > 0);
+}
+
+QToolButton* EmptyState::tileOf(const QString& path)
+{
+    const QImage picture = ThumbnailStore().find(path);
+    const QString name = QFileInfo(path).fileName();
+    auto* tile = new QToolButton;
+    tile->setAutoRaise(true);
+    tile->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    tile->setIconSize({ThumbnailStore::kWidth, ThumbnailStore::kHeight});
+    tile->setIcon(picture.isNull() ? placeholder(path) : QPixmap::fromImage(picture));
+    tile->setText(fontMetrics().elidedText(name, Qt::ElideMiddle, ThumbnailStore::kWidth));
+    tile->setToolTip(QDir::toNativeSeparators(path));
+    tile->setAccessibleName(tr("Open %1").arg(name));
+    // Later than the click: opening hides and may rebuild the tiles.
+    connect(
+        tile, &QToolButton::clicked, this, [this, path] { m_openRecent(path); },
+        Qt::QueuedConnection);
+    return tile;
 }

@@ -68,8 +68,9 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     addToolBar(m_toolbar);
     connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
             &MainWindow::applyIconColors);
-    m_preview->setEmptyState(new EmptyState(findChild<QAction*>("openImage"),
-                                            findChild<QAction*>("openBuiltInScene"), m_preview));
+    m_preview->setEmptyState(new EmptyState(
+        findChild<QAction*>("openImage"), findChild<QAction*>("openBuiltInScene"),
+        [this](const QString& path) { openRecentFile(path); }, m_preview));
     buildControlPanel();
     setWindowTitle(windowTitleFor(m_session));
     resize(1280, 800);

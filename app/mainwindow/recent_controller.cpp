@@ -8,6 +8,7 @@
 
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/mainwindow/thumbnail_store.h"
 #include "app/session/session.h"
 
 using appcfg::RecentCategory;
@@ -48,7 +49,10 @@ void RecentController::buildRecentMenu(QMenu& menu)
         return;
     }
     menu.addSeparator();
-    menu.addAction(QMenu::tr("C&lear Recent Files"), &recent::clearAll);
+    menu.addAction(QMenu::tr("C&lear Recent Files"), [] {
+        recent::clearAll();
+        ThumbnailStore().keepOnly({});
+    });
 }
 
 void RecentController::addKind(QMenu& menu, const Kind& kind)

@@ -2,17 +2,22 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QMouseEvent>
+#include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
 
 #include "app/main/app_icon.h"
 #include "app/mainwindow/main_window.h"
+#include "app/mainwindow/preview_view.h"
 #include "app/panel/control_panel.h"
 #include "app/persist/appcfg.h"
 #include "app/prefs/preferences_dialog.h"
 #include "app/prefs/splash_screen.h"
 #include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
+#include "engine/demo/demo_scene.h"
+#include "engine/qt/zre_qt.h"
 
 static bool grab(QWidget& window, const QString& folder, const QString& name)
 {
@@ -20,6 +25,54 @@ static bool grab(QWidget& window, const QString& folder, const QString& name)
     const QString path = folder + "/" + name + ".png";
     const bool saved = window.grab().save(path);
     std::printf("%s%s\n", saved ? "" : "could not write ", qPrintable(path));
+    return saved;
+}
+
+static void switchOn(MainWindow& window, const char* action, bool on)
+{
+    window.findChild<QAction*>(action)->setChecked(on);
+}
+
+/// The cursor over the middle of the preview, as the status bar then reads.
+static void pointAtMiddle(MainWindow& window)
+{
+    auto* preview = window.findChild<PreviewView*>();
+    const QPointF middle = QRectF(preview->rect()).center();
+    QMouseEvent move(QEvent::MouseMove, middle, preview->mapToGlobal(middle), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(preview, &move);
+}
+
+/// The empty window, as it is at first and with images opened before.
+static bool grabEmptyWindow(MainWindow& window, const QString& folder)
+{
+    const bool saved = grab(window, folder, "window-empty");
+    const QTemporaryDir images;
+    for (int i = 0; i < 3; ++i) {
+        zre::DemoSceneOptions options;
+        options.width = 480;
+        options.height = 320;
+        options.seed += static_cast<std::uint32_t>(i);
+        const QString path = images.filePath(QString("Nebula %1.png").arg(i + 1));
+        zre_qt::toQImage(zre::makeDemoScene(options).picture).save(path);
+        window.loadImageFromPath(path);
+    }
+    window.newDocument();
+    QApplication::processEvents(); // the layout shows new widgets in its own time
+    return grab(window, folder, "window-recent") && saved;
+}
+
+static bool grabPreviewTools(MainWindow& window, const QString& folder)
+{
+    window.findChild<QAction*>("view.depth")->trigger();
+    switchOn(window, "depthInColor", true);
+    pointAtMiddle(window);
+    bool saved = grab(window, folder, "window-depth-color");
+    switchOn(window, "depthInColor", false);
+    window.findChild<QAction*>("view.anaglyph")->trigger();
+    switchOn(window, "compare", true);
+    saved = grab(window, folder, "window-compare") && saved;
+    switchOn(window, "compare", false);
     return saved;
 }
 
@@ -38,6 +91,7 @@ int main(int argc, char** argv)
     }
     const QTemporaryDir store; // the user's settings are no part of the pictures
     appcfg::useStoreIn(store.path());
+    QStandardPaths::setTestModeEnabled(true); // nor are thumbnails of theirs
     ThemeManager& theme = ThemeManager::instance();
     theme.setModeTransient(ThemeManager::Mode::Dark);
 
@@ -48,7 +102,7 @@ int main(int argc, char** argv)
     MainWindow window;
     window.resize(1280, 720);
     window.show();
-    saved = grab(window, arguments[1], "window-empty") && saved;
+    saved = grabEmptyWindow(window, arguments[1]) && saved;
     if (arguments.size() > 2)
         window.openProjectFromCommandLine(arguments[2]);
     else
@@ -65,6 +119,7 @@ int main(int argc, char** argv)
         saved = grab(panel, arguments[1], "panel-" + tabs.tabText(tab).toLower()) && saved;
     }
     tabs.setCurrentIndex(0);
+    saved = grabPreviewTools(window, arguments[1]) && saved;
     theme.setModeTransient(ThemeManager::Mode::Light);
     saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QToolButton>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -153,6 +154,23 @@ TEST_F(Window, ANewDocumentClearsTheScreenAndItsActions)
     EXPECT_TRUE(preview.findChild<QPushButton*>()->isVisible());
     ASSERT_TRUE(window.loadImageFromPath(noiseFile("next.png")));
     EXPECT_EQ(shown(), expectedView(noiseFile("next.png"), 2));
+}
+
+TEST_F(Window, AnImageOpenedBeforeCanBeOpenedFromTheEmptyWindow)
+{
+    const QString path = noiseFile("again.png");
+    ASSERT_TRUE(window.loadImageFromPath(path));
+    action("newDocument")->trigger();
+    QApplication::processEvents(); // the layout shows new widgets in its own time
+    QToolButton* tile = nullptr;
+    for (QToolButton* each : preview.findChildren<QToolButton*>())
+        if (each->toolTip() == path)
+            tile = each;
+    ASSERT_NE(tile, nullptr);
+    EXPECT_TRUE(tile->isVisible());
+    tile->click();
+    QApplication::processEvents();
+    EXPECT_EQ(window.windowTitle().section(" - ", 0, 0), "again.png");
 }
 
 TEST_F(Window, EveryActionOnAnEmptySessionLeavesItEmpty)
