@@ -119,8 +119,8 @@ const Eye k2DEyes[] = {
     {.parallax = 1e9, .offsetX = 0.2, .offsetY = 3},
     // By just under one and a half pixels, so that the rounding of its place moves a pixel farther.
     {.parallax = 2, .offsetX = std::nextafter(6.0, 0.0), .offsetY = -std::nextafter(6.0, 0.0)},
-    // Every other step of the search ends between two cells.
-    {.parallax = 30, .offsetX = 1, .offsetY = 1.7320508},
+    // Every other step of the search ends a rounding away from between two cells.
+    {.parallax = 30, .offsetX = 1, .offsetY = std::sqrt(3.0)},
     {.convergence = 0, .offsetX = 0, .offsetY = 0, .zoom = 1e12, .splat = true},
 };
 
