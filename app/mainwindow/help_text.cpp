@@ -22,6 +22,44 @@ constexpr std::array kGestures{
     Gesture{"Double click", "Whole picture, or actual pixels"},
 };
 
+struct HelpParagraph
+{
+    const char* tab;
+    const char* section;
+    const char* text;
+};
+
+constexpr std::array kTabHelp{
+    HelpParagraph{"Depth", "Depth filters",
+                  "What is done to the finished depth map. Smoothness calms it, Edge preservation "
+                  "keeps its outlines while it does, and Depth gamma above 1 pushes all but the "
+                  "nearest parts back."},
+    HelpParagraph{"Depth", "Image depth",
+                  "Depth read out of the picture: bright is near by Luminance weight, and fine "
+                  "detail stands out by Structure weight. Look at the depth map (key 2) while you "
+                  "change them: white is near."},
+    HelpParagraph{"Depth", "Narrowband depth",
+                  "For pictures of single spectral lines: the near channel comes forward of the "
+                  "far one."},
+    HelpParagraph{"Depth", "External depth map",
+                  "A depth map of your own, painted or computed elsewhere, laid over the rest by "
+                  "Blend. White is near. Drop the file on the window or load it here."},
+    HelpParagraph{"Shaping", "Color depth",
+                  "Each row takes a color of the picture and says how near it lies. Pick the "
+                  "color from the preview. A profile keeps the rows for another image."},
+    HelpParagraph{"Stereo", "Stereo depth",
+                  "Parallax amount is the depth of the whole scene in pixels; Convergence is the "
+                  "depth that lies in the plane of the screen, nearer parts come out of it. Max "
+                  "disparity bounds the shift to what eyes can follow."},
+    HelpParagraph{"Stereo", "Anaglyph",
+                  "How the two eyes share the colors of one picture. Put the glasses on and even "
+                  "out the two lenses with the tint: it is for your screen and enters no file."},
+    HelpParagraph{
+        "Post", "Post-processing",
+        "A last correction of tone and color, on each eye of the stereo views. The source "
+        "and the depth map stay as they are."},
+};
+
 QString row(const QString& keys, const QString& effect)
 {
     return QString("<tr><td><b>%1</b></td><td style=\"padding-left:24px\">%2</td></tr>")
@@ -38,6 +76,15 @@ QString aboutText()
                    "<p>Built on Qt %2 (LGPL 3), CFITSIO and libtiff (their own free licences), "
                    "zlib (zlib licence), LZ4 and Zstandard (BSD), Expat (MIT).</p>")
         .arg(QCoreApplication::applicationVersion(), qVersion());
+}
+
+QString tabHelpText(const QString& tab)
+{
+    QString text;
+    for (const HelpParagraph& paragraph : kTabHelp)
+        if (tab == QLatin1String(paragraph.tab))
+            text += QString("<h4>%1</h4><p>%2</p>").arg(paragraph.section, paragraph.text);
+    return text.isEmpty() ? text : QString("<h3>%1</h3>").arg(tab) + text;
 }
 
 QString shortcutsText(const QList<QAction*>& actions)

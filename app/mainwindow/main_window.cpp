@@ -132,7 +132,9 @@ void MainWindow::buildMenus()
                   nullptr, &MainWindow::compareWithSource},
         ActionRow{kView, "depthInColor", "Depth in C&olor", Key::UnknownKey, "D", Gate::NeedsImage,
                   nullptr, &MainWindow::showDepthInColor},
-        ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::HelpContents, "",
+        ActionRow{kHelp, "showTabHelp", "Help for This &Tab", Key::HelpContents, "F1", Gate::Always,
+                  &MainWindow::showTabHelp},
+        ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::UnknownKey, "Ctrl+/",
                   Gate::Always, &MainWindow::showShortcuts},
         ActionRow{kHelp, "showAbout", "&About Zerrith Studio", Key::UnknownKey, "", Gate::Always,
                   &MainWindow::showAbout},
@@ -389,6 +391,11 @@ void MainWindow::settingsChanged()
 {
     m_toolbar->applyGroups();
     m_params.refreshValueTexts();
+}
+
+void MainWindow::showTabHelp()
+{
+    m_prompter->tell("Help", tabHelpText(findChild<ControlPanel*>()->currentTab()));
 }
 
 void MainWindow::showShortcuts()

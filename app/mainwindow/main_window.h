@@ -19,6 +19,7 @@
 #include "app/mainwindow/shell_host.h"
 #include "app/mainwindow/stage_display.h"
 #include "app/mainwindow/still_controller.h"
+#include "app/session/carry_over.h"
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 
@@ -52,6 +53,10 @@ public:
     int askCarrySession(int width, int height)
     {
         return m_documents.askCarrySession(width, height);
+    }
+    void rescaleSessionTo(int oldWidth, int oldHeight, int newWidth, int newHeight)
+    {
+        rescaleSession(m_session, {oldWidth, oldHeight}, {newWidth, newHeight});
     }
     bool loadDepthMapFile(const QString& path) { return m_depthMaps.loadDepthMapFile(path); }
     bool loadColorProfileFile(const QString& path)
@@ -132,6 +137,7 @@ private:
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }
     void settingsChanged();
+    void showTabHelp();
     void showShortcuts();
     void showAbout();
 

@@ -97,6 +97,11 @@ void ControlPanel::updateGates()
             section->follow(params);
 }
 
+QString ControlPanel::currentTab() const
+{
+    return m_tabs->tabText(m_tabs->currentIndex());
+}
+
 int ControlPanel::activeColorRows() const
 {
     return m_shaping->colorRows().activeRows();

@@ -28,6 +28,8 @@ public:
     /// Shows `params` in the controls, numbers bound to their ranges. Emits nothing.
     void syncUiFromParams(const zre::ZRParams& params);
 
+    /// The title of the tab in front.
+    QString currentTab() const;
     /// Colour rows that are switched on.
     int activeColorRows() const;
     /// Switches the sections that need an image on or off.

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -13,6 +14,7 @@
 
 #include "app/mainwindow/depth_colors.h"
 #include "app/mainwindow/preview_view.h"
+#include "app/panel/control_panel.h"
 #include "app/session/open_document.h"
 #include "app/session/output_view.h"
 #include "engine/qt/zre_qt.h"
@@ -321,6 +323,20 @@ TEST_F(Window, DepthInColorIsForTheScreenOnly)
     EXPECT_EQ(shown(), depthInColor(depth));
     action("depthInColor")->trigger();
     EXPECT_EQ(shown(), expectedView(path, 1));
+}
+
+TEST_F(Window, EveryTabHasHelpOfItsOwn)
+{
+    auto& tabs = *window.findChild<ControlPanel*>()->findChild<QTabWidget*>();
+    for (int i = 0; i < tabs.count(); ++i) {
+        tabs.setCurrentIndex(i);
+        action("showTabHelp")->trigger();
+        EXPECT_TRUE(script.told.back().startsWith("Help|<h3>" + tabs.tabText(i) + "</h3><h4>"))
+            << qPrintable(script.told.back());
+    }
+    EXPECT_GE(tabs.count(), 4);
+    EXPECT_EQ(script.told.removeDuplicates(), 0);
+    tabs.setCurrentIndex(0);
 }
 
 TEST_F(Window, NoTwoActionsShareAShortcut)
