@@ -2,6 +2,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QStandardPaths>
 #include <QTabWidget>
@@ -62,6 +64,23 @@ static bool grabEmptyWindow(MainWindow& window, const QString& folder)
     return grab(window, folder, "window-recent") && saved;
 }
 
+/// A depth map held over the preview.
+static bool grabDrag(MainWindow& window, const QString& folder)
+{
+    const QTemporaryDir files;
+    const QString map = files.filePath("Nebula_depth.png");
+    QImage(8, 8, QImage::Format_Grayscale8).save(map);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(map)});
+    auto* preview = window.findChild<PreviewView*>();
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(preview, &enter);
+    const bool saved = grab(window, folder, "window-drop");
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(preview, &leave);
+    return saved;
+}
+
 static bool grabPreviewTools(MainWindow& window, const QString& folder)
 {
     window.findChild<QAction*>("view.depth")->trigger();
@@ -73,7 +92,7 @@ static bool grabPreviewTools(MainWindow& window, const QString& folder)
     switchOn(window, "compare", true);
     saved = grab(window, folder, "window-compare") && saved;
     switchOn(window, "compare", false);
-    return saved;
+    return grabDrag(window, folder) && saved;
 }
 
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
