@@ -40,6 +40,12 @@ static QPushButton* buttonOf(QAction* action, const QString& text)
     return button;
 }
 
+static QPixmap pictureOf(QImage thumbnail)
+{
+    thumbnail.setDevicePixelRatio(ThumbnailStore::kDensity);
+    return QPixmap::fromImage(thumbnail);
+}
+
 /// In the place of a picture that there is none of: what kind of file it is.
 static QPixmap placeholder(const QString& path)
 {
@@ -102,7 +108,7 @@ QToolButton* EmptyState::tileOf(const QString& path)
     tile->setAutoRaise(true);
     tile->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     tile->setIconSize({ThumbnailStore::kWidth, ThumbnailStore::kHeight});
-    tile->setIcon(picture.isNull() ? placeholder(path) : QPixmap::fromImage(picture));
+    tile->setIcon(picture.isNull() ? placeholder(path) : pictureOf(picture));
     tile->setText(fontMetrics().elidedText(name, Qt::ElideMiddle, ThumbnailStore::kWidth));
     tile->setToolTip(QDir::toNativeSeparators(path));
     tile->setAccessibleName(tr("Open %1").arg(name));

@@ -46,8 +46,8 @@ void ThumbnailStore::add(const QString& path, const zre::Image& image) const
 {
     if (!image.usable() || !QDir().mkpath(m_folder))
         return;
-    const double scale = std::min({1.0, double(kWidth) / image.width, //
-                                   double(kHeight) / image.height});
+    const double scale = std::min(
+        {1.0, double(kDensity * kWidth) / image.width, double(kDensity * kHeight) / image.height});
     const auto side = [scale](int full) {
         return std::max(1, static_cast<int>(std::lround(full * scale)));
     };

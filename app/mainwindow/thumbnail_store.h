@@ -9,8 +9,10 @@
 class ThumbnailStore
 {
 public:
-    static constexpr int kWidth = 156;
+    static constexpr int kWidth = 156; ///< as shown, at most
     static constexpr int kHeight = 104;
+    /// Pixels for each one shown, so that dense screens get a sharp picture too.
+    static constexpr int kDensity = 2;
 
     /// In the user's cache.
     ThumbnailStore();

@@ -33,7 +33,7 @@ TEST_F(Thumbnails, PicturesKeepTheProportionsAndNeverGrow)
         QSize small;
     };
     const Case cases[] = {
-        {1560, 520, {156, 52}}, {520, 1040, {52, 104}}, {20, 10, {20, 10}}, {3000, 2, {156, 1}}};
+        {1560, 520, {312, 104}}, {520, 1040, {104, 208}}, {20, 10, {20, 10}}, {3000, 2, {312, 1}}};
     const QString path = touched("a.png");
     for (const Case& c : cases) {
         store.add(path, zrtest::noise(c.width, c.height, 1, 1));
