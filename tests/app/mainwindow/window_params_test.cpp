@@ -6,8 +6,10 @@
 #include <QCheckBox>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QSlider>
+#include <QTabWidget>
 
 #include <gtest/gtest.h>
 
@@ -236,6 +238,22 @@ TEST_F(WindowParams, AColorIsTakenFromThePixelThatIsClicked)
     const zre::ZRParams before = params();
     click({10.5, 10.5});
     EXPECT_TRUE(params() == before) << "one click, one color";
+}
+
+TEST(WindowEnd, AHalfTypedNumberDoesNoHarmWhenTheWindowGoes)
+{
+    Script script;
+    auto window = std::make_unique<MainWindow>(std::make_unique<ScriptedPrompter>(script));
+    window->setImageGatedSectionsEnabled(true);
+    window->show();
+    window->activateWindow();
+    QApplication::processEvents();
+    auto* box = window->findChild<QLineEdit*>("smoothness.box");
+    window->findChild<QTabWidget*>()->setCurrentIndex(0);
+    box->setFocus();
+    EXPECT_TRUE(box->hasFocus());
+    box->setText("33"); // leaving the box now would take it
+    window.reset();
 }
 
 TEST(ColorAbout, IsTheMeanOfTheNeighboursThatExist)
