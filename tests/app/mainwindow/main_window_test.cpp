@@ -147,8 +147,10 @@ TEST_F(Window, ANewDocumentClearsTheScreenAndItsActions)
     ASSERT_TRUE(window.loadImageFromPath(noiseFile("old.png")));
     ASSERT_TRUE(window.loadDepthMapFile(noiseFile("old_depth.png")));
     EXPECT_TRUE(action("clearDepthMap")->isEnabled());
+    EXPECT_TRUE(action("undo")->isEnabled());
     action("view.depth")->trigger();
     action("newDocument")->trigger();
+    EXPECT_FALSE(action("undo")->isEnabled() || action("redo")->isEnabled());
     EXPECT_FALSE(action("clearDepthMap")->isEnabled() || action("saveImage")->isEnabled());
     EXPECT_TRUE(action("view.anaglyph")->isChecked());
     EXPECT_EQ(window.windowTitle(), QApplication::applicationName());
@@ -197,6 +199,23 @@ TEST_F(Window, TheMapBesideTheImageShowsInTheDepthView)
     EXPECT_EQ(status(), "Depth map loaded: with_depth.png  -  120 x 80");
     action("clearDepthMap")->trigger();
     EXPECT_EQ(shown(), before);
+}
+
+TEST_F(Window, UndoTakesTheMapOutOfTheDepthAndBringsItBack)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("undone.png")));
+    action("view.depth")->trigger();
+    const QImage before = shown();
+    ASSERT_TRUE(window.loadDepthMapFile(noiseFile("undone_depth.png", 41)));
+    const QImage with = shown();
+    const auto renderNow = [this] {
+        window.renderNow(); // the timer of the panel's changes need not be waited for
+        return shown();
+    };
+    action("undo")->trigger();
+    EXPECT_EQ(renderNow(), before);
+    action("redo")->trigger();
+    EXPECT_EQ(renderNow(), with);
 }
 
 TEST_F(Window, AFailureLeavesTheDocumentOnTheScreen)
