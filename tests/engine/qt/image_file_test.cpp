@@ -253,21 +253,22 @@ TEST(ImageFile, OtherContentUnderATiffNameIsStillFound)
 struct BadFile
 {
     const char* name;
-    const char* content;
+    std::optional<std::string_view> content; ///< none: a number that does not parse
     const char* prefix;
 };
 
 TEST(ImageFile, WhatCannotBeReadIsAMessageAndChangesNothing)
 {
+    using namespace std::string_view_literals;
     for (const BadFile& bad :
          {BadFile{"bad.xisf", "no such thing", "Could not load XISF:\n"},
-          BadFile{"numbers.xisf", nullptr, "Could not load XISF:\n"},
+          BadFile{"numbers.xisf", std::nullopt, "Could not load XISF:\n"},
           BadFile{"bad.fits", "SIMPLE  =", "Could not load image:\n"},
-          BadFile{"bad.tif", "II*\0\xff\xff\xff\x7f", "Could not load image:\n"},
+          BadFile{"bad.tif", "II*\0\xff\xff\xff\x7f"sv, "Could not load image:\n"},
           BadFile{"bad.png", "\x89PNG", "Could not load image:\n"},
           BadFile{"bad", "text", "Could not load image:\n"}}) {
         const auto path = zrtest::scratchFolder() / bad.name;
-        std::string content(bad.content ? std::string(bad.content, 8) : std::string());
+        std::string content(bad.content.value_or(""sv));
         if (!bad.content) {
             // The number that does not parse leaves the reader as an exception.
             const std::string xml = "<Image geometry=\"a:b:c\" sampleFormat=\"Float32\" "
