@@ -192,7 +192,7 @@ static void paintTenRows(ZRParams& p)
         p.colorDepthEntries += "1,0.2,0.5,0.6,0.3,0.9;";
 }
 
-BENCHMARK(cues_naive)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(cues_naive)->Name("cues_naive/defaults")->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK_CAPTURE(cues_ours, defaults, [](ZRParams&) {})->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(cues_ours, unsmoothed, [](ZRParams& p) {
     p.smoothness = 0;
