@@ -215,7 +215,7 @@ TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
         {"still @in.tif -o @o.png --params @comma.txt", 2, "parallaxAmount = 1,5 is not a number"},
         {"still @in.tif -o @o.png --params @word.txt", 2, "invertDepth = true is not a number"},
         {"still @in.tif -o @o.png --params @bytes.txt", 1, "not a text"},
-        {"still @absent.tif -o @absent/o.png", 1, "absent: No such"}, // before any work is done
+        {"still @absent.tif -o @absent/o.png", 1, "program/absent: "}, // before any work is done
         {"still", 2, "needs a file to read"},
         {"demo-scene -o @depth.xisf --truth @. --size 32x32", 1, "two outputs"},
         {"still @in.tif -o @o.png --params @absent.txt", 1, "absent.txt"},
