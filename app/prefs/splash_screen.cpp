@@ -63,6 +63,7 @@ std::vector<SplashScreen::Speck> SplashScreen::scatterSpecks()
         return low + (high - low) * static_cast<qreal>(random()) / static_cast<qreal>(random.max());
     };
     std::vector<Speck> specks;
+    specks.reserve(kSpeckCount);
     for (int i = 0; i < kSpeckCount; ++i)
         specks.push_back({between(-1.0, 1.0), between(-0.7, 0.7), between(0.0, 1.0),
                           between(0.05, 0.16), between(0.5, 1.3)});
