@@ -24,7 +24,7 @@ constexpr double kSmoothUpTo = 2.0;
 void paintPlate(QPainter& painter, const QString& text, QPointF center)
 {
     QRectF plate = painter.fontMetrics().boundingRect(text);
-    plate.adjust(-kPlateMargin, -kPlateMargin / 2, kPlateMargin, kPlateMargin / 2);
+    plate.adjust(-kPlateMargin, -0.5 * kPlateMargin, kPlateMargin, 0.5 * kPlateMargin);
     plate.moveCenter(center);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);

@@ -65,7 +65,7 @@ void RecentController::addKind(QMenu& menu, const Kind& kind)
     list->setToolTipsVisible(true);
     list->setEnabled(!kind.needsImage || m_host.session().hasSource());
     for (qsizetype i = 0; i < paths.size(); ++i) {
-        const QString path = paths[i];
+        const QString& path = paths[i];
         QAction* entry = list->addAction(QString(labels[i]).replace('&', "&&"),
                                          [this, &kind, path] { open(kind, path); });
         entry->setToolTip(QDir::toNativeSeparators(path));

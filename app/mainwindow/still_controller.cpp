@@ -42,7 +42,7 @@ QString StillController::startPath() const
 {
     const Session& session = m_host.session();
     const QString name = suggestedStillName(session);
-    const QString start = appcfg::dialogStartPath(kDialog, name, appcfg::Preferred::WorkFolder);
+    QString start = appcfg::dialogStartPath(kDialog, name, appcfg::Preferred::WorkFolder);
     if (start != name)
         return start;
     const QFileInfo source(session.sourcePath);
