@@ -18,9 +18,9 @@ struct ExitMeaning
 };
 constexpr std::array kExitMeanings{
     ExitMeaning{kDone, "done"},
-    ExitMeaning{kFailed, "failed; no output was changed"},
+    ExitMeaning{kFailed, "failed; no partial file is left"},
     ExitMeaning{kUsage, "the command line or a parameter is wrong"},
-    ExitMeaning{kInterrupted, "interrupted; no output was changed"},
+    ExitMeaning{kInterrupted, "interrupted; no partial file is left"},
 };
 
 constexpr const char* kPurpose =
