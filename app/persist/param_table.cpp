@@ -48,15 +48,15 @@ std::vector<ParamInfo> parameterList()
     static constexpr int kDefaultView = 2;
     const zre::ZRParams defaults;
     std::vector<ParamInfo> list;
-    for (const ParamKey& row : kParamOrder) {
+    forEachKey([&](const ParamKey& row) {
         const char* kind = kindOf(row);
         if (!kind)
-            continue;
+            return;
         const std::optional<ParamLimits> limits = limitsOf(row);
         const ParamLimits shown = limits.value_or(ParamLimits{});
         list.push_back({row.name, kind, shown.min, shown.max, limits.has_value(),
                         *fieldText(row, defaults, kDefaultView, {}), row.meaning});
-    }
+    });
     list.push_back({kErasuresKey, "string", 0.0, 0.0, false, {}, kErasuresMeaning});
     return list;
 }
@@ -65,14 +65,14 @@ static QString nearestName(const QString& key)
 {
     QString best = kErasuresKey;
     int bestDistance = editDistance(key, best);
-    for (const ParamKey& row : kParamOrder) {
+    forEachKey([&](const ParamKey& row) {
         if (!kindOf(row))
-            continue;
+            return;
         if (const int distance = editDistance(key, row.name); distance < bestDistance) {
             bestDistance = distance;
             best = row.name;
         }
-    }
+    });
     return best;
 }
 

@@ -35,7 +35,7 @@ struct Retired
 using ParamField = std::variant<float zre::ZRParams::*, int zre::ZRParams::*, bool zre::ZRParams::*,
                                 std::string zre::ZRParams::*, OutputView, RoleId, Retired>;
 
-/// What a value on the command line may be where `kParamRanges` has no row.
+/// What a value on the command line may be where `findParamRange` has no row.
 struct ParamLimits
 {
     double min;
@@ -156,6 +156,29 @@ inline constexpr std::array kParamOrder{
 // clang-format on
 
 static_assert(kParamOrder.size() == 98);
+
+// clang-format off
+/// The keys of how stars are found. They are written behind the table, and only where they differ
+/// from the default.
+inline constexpr std::array kDetectionOrder{
+    ParamKey{"aiStarSeparation", &zre::ZRParams::aiStarSeparation, "separate stars by the learned model where it is installed"},
+    ParamKey{"backgroundScale", &zre::ZRParams::backgroundScale, "blur that makes the background stars are measured against (sigma, pixels)"},
+    ParamKey{"maxRadius", &zre::ZRParams::maxRadius, "largest radius of a star (pixels)"},
+    ParamKey{"minPeak", &zre::ZRParams::minPeak, "lowest peak of a star above the background (0 any)"},
+    ParamKey{"starPop", &zre::ZRParams::starPop, "lift of all stars toward the viewer"},
+    ParamKey{"thresholdSigma", &zre::ZRParams::thresholdSigma, "how far a star has to stand out of the background (sigma)"},
+};
+// clang-format on
+
+/// Calls `visit(row)` for every key of both tables.
+template <class Visit>
+void forEachKey(Visit&& visit)
+{
+    for (const ParamKey& row : kParamOrder)
+        visit(row);
+    for (const ParamKey& row : kDetectionOrder)
+        visit(row);
+}
 
 /// The key of the erasure list, which stands behind the table in the text.
 inline constexpr const char* kErasuresKey = "starErasures";

@@ -40,9 +40,12 @@ std::vector<zre::StarErasure> readErasures(const QString& text)
 
 const ParamKey* findParamKey(const QString& key)
 {
-    const auto row = std::find_if(kParamOrder.begin(), kParamOrder.end(),
-                                  [&](const ParamKey& r) { return key == QLatin1String(r.name); });
-    return row == kParamOrder.end() ? nullptr : &*row;
+    const ParamKey* found = nullptr;
+    forEachKey([&](const ParamKey& row) {
+        if (key == QLatin1String(row.name))
+            found = &row;
+    });
+    return found;
 }
 
 namespace {
@@ -138,6 +141,13 @@ static QMap<QString, QString> textByKey(const zre::ZRParams& params, int outputM
     for (const ParamKey& row : kParamOrder)
         if (const std::optional<QString> text = fieldText(row, params, outputMode, roles))
             values[QString::fromLatin1(row.name)] = *text;
+    const zre::ZRParams defaults;
+    for (const ParamKey& row : kDetectionOrder) {
+        values.remove(row.name);
+        const std::optional<QString> text = fieldText(row, params, outputMode, roles);
+        if (text != fieldText(row, defaults, outputMode, roles))
+            values[QString::fromLatin1(row.name)] = *text;
+    }
     values.remove(kErasuresKey);
     if (!params.starErasures.empty())
         values[kErasuresKey] = erasuresText(params.starErasures);

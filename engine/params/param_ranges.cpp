@@ -6,9 +6,12 @@ namespace zre {
 
 const ParamRange* findParamRange(const std::string& name)
 {
-    const auto row = std::find_if(kParamRanges.begin(), kParamRanges.end(),
-                                  [&](const ParamRange& r) { return name == r.name; });
-    return row == kParamRanges.end() ? nullptr : &*row;
+    const auto hasName = [&](const ParamRange& row) { return name == row.name; };
+    if (const auto row = std::find_if(kParamRanges.begin(), kParamRanges.end(), hasName);
+        row != kParamRanges.end())
+        return &*row;
+    const auto row = std::find_if(kDetectionRanges.begin(), kDetectionRanges.end(), hasName);
+    return row == kDetectionRanges.end() ? nullptr : &*row;
 }
 
 double clampParam(const std::string& name, double value)

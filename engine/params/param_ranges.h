@@ -102,7 +102,18 @@ static_assert(std::all_of(kParamRanges.begin(), kParamRanges.end(), [](const Par
     return row.min <= row.def && row.def <= row.max;
 }));
 
-/// The row of `name`, or null.
+// clang-format off
+/// The ranges of what finds the stars and lifts them.
+inline constexpr std::array kDetectionRanges{
+    ParamRange{"backgroundScale", 1.0, 64.0, 6.0, detail::field<&ZRParams::backgroundScale>},
+    ParamRange{"maxRadius", 2.0, 200.0, 14.0, detail::field<&ZRParams::maxRadius>},
+    ParamRange{"minPeak", 0.0, 1.0, 0.1, detail::field<&ZRParams::minPeak>},
+    ParamRange{"starPop", 0.0, 1.0, 0.2, detail::field<&ZRParams::starPop>},
+    ParamRange{"thresholdSigma", 2.0, 30.0, 6.0, detail::field<&ZRParams::thresholdSigma>},
+};
+// clang-format on
+
+/// The row of `name` in either table, or null.
 const ParamRange* findParamRange(const std::string& name);
 
 /// `value` bound to the range of `name`; as it was for a name without a range. A NaN becomes the

@@ -9,9 +9,9 @@ namespace zre {
 
 /// Every slider, switch and mode that decides how a depth map and a stereo image are made.
 ///
-/// The names are the keys of the text form. Ranges stand in `kParamRanges`, meanings in the
-/// parameter table of the text form. `syntheticStars` and `sourceIsStarless` are set by the program
-/// and never stored.
+/// The names are the keys of the text form. Ranges stand in `kParamRanges` and `kDetectionRanges`,
+/// meanings in the parameter tables of the text form. `syntheticStars` and `sourceIsStarless` are
+/// set by the program and never stored.
 struct ZRParams
 {
     // Luminance, structure and narrowband cues
@@ -120,6 +120,14 @@ struct ZRParams
     float wigglePathAngle = 0.0f;
     bool wiggleCircular = false;
     std::vector<StarErasure> starErasures;
+
+    // How stars are found: `kDetectionRanges`; the text form holds what differs from the default
+    float thresholdSigma = 6.0f;
+    float minPeak = 0.1f;
+    int maxRadius = 14;
+    float backgroundScale = 6.0f;
+    bool aiStarSeparation = true;
+    float starPop = 0.2f;
 
     bool operator==(const ZRParams&) const = default;
 };

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "engine/params/star_erasure.h"
+#include "engine/stars/star.h"
+
+namespace zre {
+
+/// The erasures of a session, and which of them matter for the star at hand. The list is not owned
+/// and must outlive the mask.
+class ErasureMask
+{
+public:
+    explicit ErasureMask(const std::vector<StarErasure>& erasures)
+        : m_erasures(erasures)
+    {
+    }
+
+    /// Selects the erasures whose square of half-side radius + feather touches the box; its edges
+    /// count.
+    void select(double x, double y, double w, double h);
+    bool empty() const { return m_selected.empty(); }
+    /// Whether a selected erasure blends into the glow (mode 2).
+    bool hasBlend() const;
+    /// Whether a point lies within the radius of a selected erasure.
+    bool covers(double x, double y) const;
+    /// What the selected erasures do at a point, each 0 to 1, overlapping discs by their maximum:
+    /// light taken from the star, light given back to the background, and (`blend` may be null)
+    /// light replaced by the star's radial model.
+    void coverageAt(double x, double y, double& remove, double& keepBack, double* blend) const;
+
+    const std::vector<StarErasure>& erasures() const { return m_erasures; }
+    const std::vector<std::size_t>& selected() const { return m_selected; }
+
+private:
+    const std::vector<StarErasure>& m_erasures;
+    std::vector<std::size_t> m_selected;
+};
+
+/// Takes the light that the selected erasures remove out of a star's sprite and coverage. With all
+/// of its coverage at most 0.0001 afterwards, the star is marked erased: depth -1, no sprite.
+void applyErasureToSprite(Star& star, const ErasureMask& mask);
+
+} // namespace zre
