@@ -36,9 +36,10 @@ Outcome checkOutput(const Invocation& invocation, const QString& output)
 }
 
 /// Floats of the record are compared with the bounds as floats: 0.98 as a float lies above 0.98.
-Outcome checkRanges(const QString& path, const zre::ZRParams& params)
+template <class Ranges>
+Outcome checkRanges(const QString& path, const zre::ZRParams& params, const Ranges& ranges)
 {
-    for (const zre::ParamRange& range : zre::kParamRanges) {
+    for (const zre::ParamRange& range : ranges) {
         const double value = range.get(params);
         const bool inside = value >= static_cast<double>(static_cast<float>(range.min)) &&
                             value <= static_cast<double>(static_cast<float>(range.max));
@@ -107,8 +108,10 @@ Outcome readParameterFile(const QString& path, Session& session, Console& consol
     QList<QString> unknownLines;
     zrproj::paramsFromText(text, session.params, session.outputMode, unknownLines);
     warnOfUnknownKeys(path, unknownLines, console);
-    const Outcome outcome = checkNumbers(path, text);
-    return outcome.isDone() ? checkRanges(path, session.params) : outcome;
+    Outcome outcome = checkNumbers(path, text);
+    if (outcome.isDone())
+        outcome = checkRanges(path, session.params, zre::kParamRanges);
+    return outcome.isDone() ? checkRanges(path, session.params, zre::kDetectionRanges) : outcome;
 }
 
 Outcome setOne(const QString& assignment, Session& session)
