@@ -11,9 +11,9 @@ namespace zre {
 /// cap below 1.
 void capStarsByBrightness(std::vector<Star>& stars, int cap);
 
-/// Replaces each star that has a fresh one within half a pixel: all but its depth comes from the
-/// nearest fresh star. Fresh stars without such a neighbour are ignored, so that indices never
-/// move. Gives the number replaced.
+/// Gives each fresh star's shape to the star nearest to it, if that lies within half a pixel: all
+/// but depth and distance is replaced. Fresh stars without such a neighbour are ignored, so that
+/// indices never move. Gives the number of stars replaced.
 std::size_t spliceStarsByCentroid(std::vector<Star>& stars, const std::vector<Star>& fresh);
 
 } // namespace zre
