@@ -32,3 +32,10 @@ function(zr_write_layers)
     endforeach()
     file(WRITE ${CMAKE_BINARY_DIR}/layers.txt "${text}")
 endfunction()
+
+# zr_beside_runtime(target): a link beside the program to the library that `scripts/bootstrap --with-ai` fetches. It may stand
+# before the library is there; a program that finds none goes on without learned models.
+function(zr_beside_runtime TARGET)
+    get_target_property(folder ${TARGET} BINARY_DIR)
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/build/ai/libonnxruntime.so ${folder}/libonnxruntime.so SYMBOLIC)
+endfunction()

@@ -28,6 +28,12 @@ Tap tapAt(int position, int from, int to)
             static_cast<float>(at - first)};
 }
 
+/// In this form equal samples stay what they are, so that a flat plane stays flat.
+float between(float from, float to, float share)
+{
+    return from + (to - from) * share;
+}
+
 } // namespace
 
 void resampleChannel(const float* src, int srcW, int srcH, float* dst, int dstW, int dstH)
@@ -43,11 +49,9 @@ void resampleChannel(const float* src, int srcW, int srcH, float* dst, int dstW,
         const float* top = src + row.first * width;
         const float* bottom = src + row.second * width;
         for (const Tap& column : columns) {
-            const float above =
-                top[column.first] * (1.0f - column.share) + top[column.second] * column.share;
-            const float below =
-                bottom[column.first] * (1.0f - column.share) + bottom[column.second] * column.share;
-            *dst++ = above * (1.0f - row.share) + below * row.share;
+            const float above = between(top[column.first], top[column.second], column.share);
+            const float below = between(bottom[column.first], bottom[column.second], column.share);
+            *dst++ = between(above, below, row.share);
         }
     }
 }
