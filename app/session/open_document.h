@@ -13,6 +13,16 @@
 bool openSource(const QString& path, StretchMode stretch, Session& session, QImage* preview,
                 QString* error);
 
+/// Decodes a pair and makes it the session's document.
+///
+/// Whether the starless image is linear decides for both, and its stretch s for both: the stars
+/// become s(starless + stars) - s(starless), so that the sum is the stretched whole picture. The
+/// solution comes from either file, the starless one first.
+/// Errors: false, and everything as it was, with "Starless image:\n" or "Stars only image:\n" and
+/// the decoder's message, or that the sizes differ.
+bool openPair(const QString& starsPath, const QString& starlessPath, StretchMode stretch,
+              Session& session, QImage* preview, QString* error);
+
 /// Decodes `path` and makes it the session's external depth map, of one channel, never stretched.
 /// Errors as `openSource`. Parameters stay: whether the map counts is theirs to say.
 bool openDepthMap(const QString& path, Session& session, QString* error);

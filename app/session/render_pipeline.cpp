@@ -130,6 +130,43 @@ const zre::Image& RenderPipeline::working() const
     return session.source;
 }
 
+void RenderPipeline::setTrueColor(bool on)
+{
+    trueColor = on;
+}
+
+void RenderPipeline::prepareStars()
+{
+    cachedDepth();
+}
+
+const std::vector<zre::Star>* RenderPipeline::activeStars() const
+{
+    return starList.empty() ? nullptr : &starList;
+}
+
+std::vector<zre::Star>& RenderPipeline::stars()
+{
+    return starList;
+}
+
+int RenderPipeline::starsShown() const
+{
+    return static_cast<int>(
+        std::count_if(starList.begin(), starList.end(),
+                      [](const zre::Star& star) { return star.depth >= 0.0f; }));
+}
+
+QString RenderPipeline::starDetector() const
+{
+    return {};
+}
+
+QString RenderPipeline::starDepthText() const
+{
+    return {};
+}
+
 zre::DepthInputs RenderPipeline::depthInputs() const
 {
     zre::DepthInputs inputs;

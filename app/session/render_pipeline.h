@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <QString>
 
@@ -8,6 +9,7 @@
 #include "app/session/session.h"
 #include "engine/image/image.h"
 #include "engine/params/depth_inputs.h"
+#include "engine/stars/star.h"
 
 /// Channel gains of an anaglyph: exactly 1 in files, the trim of the user's glasses in the preview.
 struct AnaglyphGains
@@ -45,9 +47,27 @@ public:
     /// Drops every image that it keeps.
     void clear();
 
-    /// Brings the working image up to date: the image that depth and eyes are made from.
+    /// Whether sprites take the colours of the source image; by default they do. The setting
+    /// belongs to the user and not to a document.
+    void setTrueColor(bool on);
+
+    /// Brings the working image, which depth and eyes are made from, and the stars up to date; the
+    /// depths of stars found anew are those of no map yet.
     void prepareInputs();
+    /// `prepareInputs`, then the depth map and by it the depth of every star.
+    void prepareStars();
+    /// As the last `prepareInputs` left it: the source, or the base that the stars were lifted
+    /// from.
     const zre::Image& working() const;
+    /// The stars in force; null when there are none. Valid until the next call that renders.
+    const std::vector<zre::Star>* activeStars() const;
+    std::vector<zre::Star>& stars();
+    /// How many of them are drawn: those of a depth that does not hide them.
+    int starsShown() const;
+    /// What found them: "classical", "AI" or "stars layer"; empty when nothing did.
+    QString starDetector() const;
+    /// What the panel says of real star depths; empty for every other model.
+    QString starDepthText() const;
 
     /// The key of the cue level (false, false), the anchor level (false, true) or the final level
     /// (true, true): it differs whenever that level's image can differ. A session holds no depth
@@ -85,4 +105,6 @@ private:
     Keyed<zre::Image> finalDepth;
     Keyed<double> depthMedian; ///< of `finalDepth`
     LevelBuilds builds;
+    std::vector<zre::Star> starList;
+    bool trueColor = true;
 };

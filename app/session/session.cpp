@@ -15,6 +15,10 @@ void Session::installSource(QString path, zre::Image image, zre::Wcs solution, D
     source = std::move(image);
     sourceFile = std::move(file);
     wcs = std::move(solution);
+    starlessPath.clear();
+    starsPath.clear();
+    starless = zre::Image();
+    starsLayer = zre::Image();
     ++generation;
 }
 

@@ -7,13 +7,19 @@
 #include "engine/params/params.h"
 #include "engine/qt/image_file.h"
 
-/// Everything a document is. A plain record: it keeps itself consistent and does nothing else.
+/// Everything a document is: a source image, or a pair of a starless and a stars image whose sum is
+/// the source. A plain record: it keeps itself consistent and does nothing else.
 struct Session
 {
-    QString sourcePath;
+    QString sourcePath; ///< of a pair the starless image's
     zre::Image source;
     DecodedFile sourceFile; ///< what the file stored, and the stretch its pixels got
     zre::Wcs wcs;
+
+    QString starlessPath; ///< of a pair, as the next three; empty without one
+    QString starsPath;
+    zre::Image starless;
+    zre::Image starsLayer; ///< of the size of `starless`, black where no star is
 
     QString depthMapPath;
     zre::Image externalDepth; ///< not usable when none is loaded
@@ -24,11 +30,16 @@ struct Session
     int generation = 0; ///< raised whenever an image is replaced; it opens every cache key
 
     bool hasSource() const { return source.usable(); }
+    bool hasPair() const { return starless.usable() && starsLayer.usable(); }
 
     /// Empties the document and sets its parameters back; `generation` rises.
     void clear();
-    /// Replaces the source and its solution and raises `generation`.
+    /// Replaces the source and its solution, drops a pair and raises `generation`.
     void installSource(QString path, zre::Image image, zre::Wcs solution, DecodedFile file);
+    /// Replaces the document by a pair of images of one size, whose sum becomes the source; `file`
+    /// tells of the starless one. Raises `generation`.
+    void installPair(QString pathOfStars, QString pathOfStarless, zre::Image stars,
+                     zre::Image starlessImage, zre::Wcs solution, DecodedFile file);
     /// Replaces the external depth map; an image that is not usable removes it.
     void installExternalDepth(QString path, zre::Image image);
 };
