@@ -16,6 +16,11 @@ namespace zre {
 /// Cost:    one scratch plane for the whole call, O(pixels * sigma).
 void gaussianBlur(Image& img, float sigma, float cutoff, const Progress& progress);
 
+/// Makes `blurred` what `source` is after `gaussianBlur`, without a copy of it first. The two are
+/// different images.
+void gaussianBlur(const Image& source, Image& blurred, float sigma, float cutoff,
+                  const Progress& progress);
+
 /// The local mean under a Gaussian: `gaussianBlur(img, sigma, 0.01, progress)`, or nothing when
 /// `sigma` is not above 0.
 void localMean(Image& img, double sigma, const Progress& progress);

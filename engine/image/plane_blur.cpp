@@ -40,7 +40,7 @@ PlaneBlur::PlaneBlur(int width, int height, GaussianKernel kernel)
 {
 }
 
-void PlaneBlur::apply(float* plane, LineCounter& lines)
+void PlaneBlur::apply(const float* source, float* blurred, LineCounter& lines)
 {
     const std::size_t blockLines = std::max(kBlockLines, 2 * m_halfWidth);
     std::size_t rowsDone = 0;
@@ -48,10 +48,10 @@ void PlaneBlur::apply(float* plane, LineCounter& lines)
     for (std::size_t first = 0; first < m_height; first += blockLines) {
         const std::size_t end = std::min(m_height, first + blockLines);
         for (; rowsDone < std::min(m_height, end + m_halfWidth); ++rowsDone) {
-            blurRow(plane + rowsDone * m_width, m_scratch.get() + rowsDone * m_width);
+            blurRow(source + rowsDone * m_width, m_scratch.get() + rowsDone * m_width);
             lines.advance(1);
         }
-        blurColumns(plane, first, end);
+        blurColumns(blurred, first, end);
         const std::size_t columns = m_width * end / m_height;
         lines.advance(static_cast<int>(columns - columnsDone));
         columnsDone = columns;

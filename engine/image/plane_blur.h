@@ -43,7 +43,9 @@ public:
     PlaneBlur(int width, int height, GaussianKernel kernel);
 
     /// Blurs `plane`, width * height samples, in place; `lines` counts its rows and its columns.
-    void apply(float* plane, LineCounter& lines);
+    void apply(float* plane, LineCounter& lines) { apply(plane, plane, lines); }
+    /// The same from one plane to another, for a caller that still needs the first.
+    void apply(const float* source, float* blurred, LineCounter& lines);
 
 private:
     void blurRow(const float* row, float* out);

@@ -14,8 +14,8 @@ namespace zre {
 ///
 /// The background is a blur of `backgroundScale`; blobs of the residual grow from peaks above
 /// `thresholdSigma` down to 0.4 of it. `stars` comes in raster order of the peaks; `starless` is
-/// `image` less their light. `erasures` may be null. Errors: none; an image below three pixels a
-/// side has no stars.
+/// `image`, which has to be another one, less their light. `erasures` may be null. Errors: none; an
+/// image below three pixels a side has no stars.
 void detectStars(const Image& image, std::vector<Star>& stars, Image& starless,
                  const StarDetectParams& params, const std::vector<StarErasure>* erasures);
 
