@@ -28,6 +28,7 @@ void addLuminance(CacheKey& key, const zre::ZRParams& p)
 {
     if (p.luminanceEnabled)
         key.text("L").number(p.luminanceWeight).number(p.structureWeight);
+    AiDepthCue::addTo(key, p);
 }
 
 void addNarrowband(CacheKey& key, const zre::ZRParams& p)
@@ -99,6 +100,7 @@ void RenderPipeline::setStageReporter(std::function<void(int, const QString&)> r
 
 void RenderPipeline::clear()
 {
+    aiDepth.clear();
     cueDepth.clear();
     anchoredDepth.clear();
     finalDepth.clear();
@@ -167,11 +169,17 @@ QString RenderPipeline::starDepthText() const
     return {};
 }
 
+void RenderPipeline::ensureAiDepth()
+{
+    aiDepth.ensure(session, [this](const QString& text) { stage(kFirstPercent, text); });
+}
+
 zre::DepthInputs RenderPipeline::depthInputs() const
 {
     zre::DepthInputs inputs;
     if (session.externalDepth.usable())
         inputs.externalDepth = &session.externalDepth;
+    inputs.aiDepth = aiDepth.image();
     return inputs;
 }
 
@@ -214,6 +222,7 @@ void RenderPipeline::buildCues(zre::Image& out)
 
 const zre::Image& RenderPipeline::anchoredLevel()
 {
+    ensureAiDepth();
     const zre::Image& cues =
         cueDepth.get(depthCacheKey(false, false), [&](zre::Image& out) { buildCues(out); });
     return anchoredDepth.get(depthCacheKey(false, true), [&](zre::Image& out) {

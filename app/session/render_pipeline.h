@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include "app/session/ai_depth_cue.h"
 #include "app/session/keyed.h"
 #include "app/session/session.h"
 #include "engine/image/image.h"
@@ -80,6 +81,10 @@ public:
     /// Cue and anchor levels only, without the depth model.
     void computeCleanDepth(zre::Image& out);
 
+    /// "AI depth failed: " and why, when the learned cue could not be part of the depth; else
+    /// empty.
+    QString aiDepthFailure() const { return aiDepth.failure(); }
+
     /// Renders output view `view` at full size and gives its status text. False, with `out` as it
     /// was, without a source or for a view that does not exist.
     bool renderView(int view, const AnaglyphGains& gains, zre::Image& out, QString* status);
@@ -91,6 +96,7 @@ public:
 private:
     void stage(int percent, const QString& text) const;
     zre::Progress eyeProgress() const;
+    void ensureAiDepth();
     zre::DepthInputs depthInputs() const;
     void buildCues(zre::Image& out);
     const zre::Image& anchoredLevel();
@@ -100,6 +106,7 @@ private:
 
     Session& session;
     std::function<void(int, const QString&)> stageReporter;
+    AiDepthCue aiDepth;
     Keyed<zre::Image> cueDepth;
     Keyed<zre::Image> anchoredDepth;
     Keyed<zre::Image> finalDepth;

@@ -32,6 +32,8 @@ enum class Option
     Set,
     ParamsFile,
     DepthMap,
+    StarModel,
+    DepthModel,
     Bits,
     Stretch,
     Size,
@@ -146,6 +148,11 @@ inline constexpr std::array kOptions{
     OptionSpec{Option::DepthMap, 0, "depth-map", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
                "blend a depth map (white is near) over the image's own: sets depthMapEnabled, and "
                "depthMapBlend to 1 where it is 0, unless --set says otherwise"},
+    OptionSpec{Option::StarModel, 0, "star-model", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+               "the learned model (ONNX) that separates stars; zr_stls.onnx beside the program without this option"},
+    OptionSpec{Option::DepthModel, 0, "depth-model", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+               "the learned model (ONNX) that estimates depth, for the parameter aiDepthWeight; zr_dmap.onnx "
+               "beside the program without this option"},
     OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kStillBits, false, false, kStill,
                "bits of a sample, where the format leaves the choice"},
     OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kFrameBits, false, false, kWiggle,

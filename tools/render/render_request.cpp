@@ -10,6 +10,8 @@
 #include "app/persist/param_text.h"
 #include "app/session/open_document.h"
 #include "app/session/render_pipeline.h"
+#include "engine/inference/ai_depth.h"
+#include "engine/inference/starless_ai.h"
 #include "engine/params/param_ranges.h"
 #include "tools/render/nearest.h"
 
@@ -27,8 +29,10 @@ bool sameFile(const QString& a, const QString& b)
 
 Outcome checkOutput(const Invocation& invocation, const QString& output)
 {
-    for (const QString& input : {invocation.operand, invocation.value(Option::DepthMap),
-                                 invocation.value(Option::ParamsFile)})
+    for (const QString& input :
+         {invocation.operand, invocation.value(Option::DepthMap),
+          invocation.value(Option::ParamsFile), invocation.value(Option::StarModel),
+          invocation.value(Option::DepthModel)})
         if (sameFile(input, output))
             return Outcome::usage(
                 QStringLiteral("%1 is read by this command and not overwritten").arg(output));
@@ -114,6 +118,27 @@ Outcome readParameterFile(const QString& path, Session& session, Console& consol
     return outcome.isDone() ? checkRanges(path, session.params, zre::kDetectionRanges) : outcome;
 }
 
+/// A weight that finds nothing to weigh is told; a model that was asked for must be there.
+Outcome useModels(const Invocation& invocation, const Session& session, Console& console)
+{
+    for (const Option option : {Option::StarModel, Option::DepthModel}) {
+        const QString path = invocation.value(option);
+        if (invocation.has(option) && !QFileInfo(path).isFile())
+            return Outcome::failed(QStringLiteral("cannot read %1: no such file").arg(path));
+        const std::string file = QFile::encodeName(path).toStdString();
+        if (option == Option::StarModel)
+            zre::StarlessAI::setModelPath(file);
+        else
+            zre::AiDepth::setModelPath(file);
+    }
+    std::string why;
+    if (session.params.luminanceEnabled && session.params.aiDepthWeight > 0.0f &&
+        !zre::AiDepth::available(&why))
+        console.warn(
+            QStringLiteral("aiDepthWeight has no effect: %1").arg(QString::fromStdString(why)));
+    return Outcome::done();
+}
+
 Outcome setOne(const QString& assignment, Session& session)
 {
     const qsizetype equals = assignment.indexOf(QLatin1Char('='));
@@ -139,7 +164,7 @@ Outcome readParameters(const Invocation& invocation, const QString& output, Sess
     for (const QString& assignment : invocation.values(Option::Set))
         if (outcome.isDone())
             outcome = setOne(assignment, session);
-    return outcome;
+    return outcome.isDone() ? useModels(invocation, session, console) : outcome;
 }
 
 Outcome openInputs(const Invocation& invocation, Session& session, Console& console)

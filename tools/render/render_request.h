@@ -7,8 +7,9 @@
 namespace zrrender {
 
 /// Brings the options that decide a rendering into `session`: the parameter file, then what
-/// --depth-map implies, then each --set in turn. Everything that can be told from the command line
-/// is refused here, before the image is opened; `output` must not be one of the files read.
+/// --depth-map implies, then each --set in turn, and the files of the learned models. Everything
+/// that can be told from the command line is refused here, before the image is opened; `output`
+/// must not be one of the files read.
 Outcome readParameters(const Invocation& invocation, const QString& output, Session& session,
                        Console& console);
 

@@ -52,6 +52,8 @@ static Still renderStill(int view, Session& session, Console& console)
     });
     Still still;
     pipeline.renderView(view, {}, still.image, &still.status);
+    if (!pipeline.aiDepthFailure().isEmpty())
+        console.warn(pipeline.aiDepthFailure());
     still.wcs = solutionOfStill(session, view, still.image);
     session.source = zre::Image();
     return still;

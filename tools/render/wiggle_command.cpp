@@ -39,6 +39,8 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
         context.console.progress(percentWithin(percent, kFramesPercent), text);
     });
     pipeline.cachedDepth();
+    if (!pipeline.aiDepthFailure().isEmpty())
+        context.console.warn(pipeline.aiDepthFailure());
     pipeline.setStageReporter({});
     const int frames = session.params.wiggleFrames;
     zre::Image image;
