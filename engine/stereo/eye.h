@@ -44,7 +44,8 @@ void compositeStarsImage(const Image& stars, const Image& starDepth, Image& out,
                          double zoom, double centerX, double centerY, const Image* sceneDepth,
                          float occlusion);
 
-/// Adds the star layer to a rendered view: the stars image with its depth where both are given.
+/// Adds the star layer to a rendered view: the stars image where it and its depth are given and
+/// usable, else the sprites of the list.
 void compositeStarLayer(Image& out, double parallax, double convergence, double offsetX,
                         double offsetY, double maxDisparity, const std::vector<Star>* stars,
                         const Image* starsImage, const Image* starsDepth, const Image* sceneDepth,

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "engine/stars/star_sprites.h"
 #include "engine/stereo/eye.h"
 
 namespace zre {
@@ -48,16 +49,17 @@ void compositeStarsImage(const Image& stars, const Image& starDepth, Image& out,
                  out.pixelCount());
 }
 
-// The list of stars is carried for the sprites of a detected star layer; light that came as an
-// image is drawn from the image.
 void compositeStarLayer(Image& out, double parallax, double convergence, double offsetX,
-                        double offsetY, double maxDisparity, const std::vector<Star>*,
+                        double offsetY, double maxDisparity, const std::vector<Star>* stars,
                         const Image* starsImage, const Image* starsDepth, const Image* sceneDepth,
                         float occlusion)
 {
-    if (starsImage && starsDepth && starsImage->usable())
+    if (starsImage && starsDepth && starsImage->usable() && starsDepth->usable())
         compositeStarsImage(*starsImage, *starsDepth, out, parallax, convergence, offsetX, offsetY,
                             maxDisparity, 0.0, -1.0, -1.0, sceneDepth, occlusion);
+    else if (stars && !stars->empty())
+        drawStarSprites(*stars, out, parallax, convergence, offsetX, offsetY, maxDisparity, 0.0,
+                        -1.0, -1.0, sceneDepth, occlusion);
 }
 
 } // namespace zre
