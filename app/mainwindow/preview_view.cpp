@@ -17,6 +17,7 @@ constexpr int kPlateMargin = 12;
 constexpr double kWheelNotch = 1.25;
 constexpr double kNotchDegrees = 120.0; // eighths of a degree, as the toolkit counts them
 constexpr double kKeyPanPixels = 64.0;
+constexpr double kClickSlop = 4.0; ///< a hand that moves no further has clicked
 /// Beyond this magnification pixels are shown as the squares they are.
 constexpr double kSmoothUpTo = 2.0;
 
@@ -99,6 +100,41 @@ void PreviewView::setEmptyState(QWidget* widget)
     layout()->addWidget(widget);
 }
 
+void PreviewView::setStarMarks(std::vector<StarMark> marks)
+{
+    m_stars.setMarks(std::move(marks));
+    update();
+}
+
+void PreviewView::setStarRings(double strength)
+{
+    m_stars.setStrength(strength);
+    update();
+}
+
+void PreviewView::setRingedStar(int index, bool spotlight)
+{
+    m_stars.setSelected(index, spotlight);
+    update();
+}
+
+int PreviewView::starAt(QPointF inPicture) const
+{
+    constexpr double kSlack = 6.0; // device pixels
+    return starMarkAt(m_stars.marks(), inPicture, kSlack / m_transform.scale());
+}
+
+void PreviewView::reveal(QPointF inPicture)
+{
+    constexpr double kMargin = 24.0;
+    const QPointF place = m_transform.toView(inPicture);
+    const QRectF view = QRectF({0, 0}, QSizeF(size()) * devicePixelRatioF());
+    if (m_pyramid.isNull() || view.adjusted(kMargin, kMargin, -kMargin, -kMargin).contains(place))
+        return;
+    m_transform.panBy(m_transform.viewCenter() - place);
+    transformChanged();
+}
+
 void PreviewView::zoomIn()
 {
     m_transform.zoomAt(m_transform.viewCenter(), kWheelNotch);
@@ -154,8 +190,18 @@ void PreviewView::paintEvent(QPaintEvent*)
         paintPicture(painter);
     if (m_split.isOn() && !m_referenceHeld && canCompare())
         paintSplit(painter);
+    if (!m_pyramid.isNull())
+        paintStars(painter);
     if (!m_dropText.isEmpty())
         paintDropOffer(painter);
+}
+
+void PreviewView::paintStars(QPainter& painter)
+{
+    painter.save();
+    painter.scale(1.0 / devicePixelRatioF(), 1.0 / devicePixelRatioF());
+    m_stars.paint(painter, m_transform, (QSizeF(size()) * devicePixelRatioF()).toSize());
+    painter.restore();
 }
 
 void PreviewView::paintDropOffer(QPainter& painter)
@@ -272,6 +318,8 @@ void PreviewView::mousePressEvent(QMouseEvent* event)
     m_splitDragged = canCompare() && m_split.isNear(event->position(), width());
     m_dragging = !m_splitDragged;
     m_dragFrom = event->position();
+    if (m_dragging && event->button() == Qt::LeftButton)
+        m_clickFrom = event->position();
     showCursorShape(event->position());
 }
 
@@ -295,7 +343,9 @@ void PreviewView::mouseMoveEvent(QMouseEvent* event)
         m_split.moveTo(event->position().x(), width());
         update();
     }
-    if (m_dragging) {
+    if (m_clickFrom && (event->position() - *m_clickFrom).manhattanLength() > kClickSlop)
+        m_clickFrom.reset();
+    if (m_dragging && !m_clickFrom) {
         m_transform.panBy(devicePoint(event->position() - m_dragFrom));
         m_dragFrom = event->position();
         transformChanged();
@@ -347,6 +397,12 @@ void PreviewView::mouseReleaseEvent(QMouseEvent* event)
     m_dragging = false;
     m_splitDragged = false;
     showCursorShape(event->position());
+    const std::optional<QPointF> clicked = std::exchange(m_clickFrom, std::nullopt);
+    if (!clicked || event->button() != Qt::LeftButton)
+        return;
+    const QPointF at = m_transform.toImage(devicePoint(*clicked));
+    if (QRectF({0, 0}, QSizeF(m_pyramid.size())).contains(at))
+        emit clickedInPicture(at);
 }
 
 void PreviewView::leaveEvent(QEvent*)

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include <QImage>
 #include <QUrl>
@@ -10,6 +11,7 @@
 #include "app/mainwindow/image_pyramid.h"
 #include "app/mainwindow/preview_transform.h"
 #include "app/mainwindow/split_line.h"
+#include "app/mainwindow/star_overlay.h"
 
 class QMimeData;
 
@@ -42,6 +44,18 @@ public:
     /// The next click into the picture is answered by `picked`; the escape key calls it off.
     void startPicking();
 
+    /// The stars that can be ringed; a view that shows them elsewhere gets none.
+    void setStarMarks(std::vector<StarMark> marks);
+    /// Rings all of them, at a strength of 0 (no rings) to 1.
+    void setStarRings(double strength);
+    /// Rings the one of this index until further notice, none for -1. `spotlight` darkens the rest
+    /// of the picture.
+    void setRingedStar(int index, bool spotlight = false);
+    /// Index of the star whose ring is at this place of the picture; -1 for none.
+    int starAt(QPointF inPicture) const;
+    /// Brings a place of the picture into sight if it is out of it.
+    void reveal(QPointF inPicture);
+
     void zoomIn();
     void zoomOut();
     void zoomToFit();
@@ -58,6 +72,8 @@ signals:
     /// The cursor is over this place of the picture, in its pixels; it may lie beside it.
     void cursorMoved(QPointF inPicture);
     void cursorLeft();
+    /// A click of the left button that moved nothing, at this place within the picture.
+    void clickedInPicture(QPointF inPicture);
     void filesDropped(const QList<QUrl>& urls);
 
 protected:
@@ -84,6 +100,7 @@ private:
     bool canCompare() const;
     void paintPicture(QPainter& painter);
     void paintReference(QPainter& painter);
+    void paintStars(QPainter& painter);
     void paintSplit(QPainter& painter);
     void paintPyramid(QPainter& painter, ImagePyramid& pyramid, const QRectF& outline);
     void showCursorShape(QPointF at);
@@ -104,6 +121,8 @@ private:
     QWidget* m_emptyState = nullptr; ///< a child
     QPointF m_dragFrom;
     bool m_dragging = false;
+    std::optional<QPointF> m_clickFrom; ///< while what was pressed may still be a click
+    StarOverlay m_stars;
     bool m_picking = false;
     std::function<QString(const QList<QUrl>&)> m_dropOffer;
     QString m_dropText; ///< set while files hover
