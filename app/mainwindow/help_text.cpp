@@ -36,8 +36,10 @@ constexpr std::array kTabHelp{
                   "nearest parts back."},
     HelpParagraph{"Depth", "Image depth",
                   "Depth read out of the picture: bright is near by Luminance weight, and fine "
-                  "detail stands out by Structure weight. Look at the depth map (key 2) while you "
-                  "change them: white is near."},
+                  "detail stands out by Structure weight. Landscape AI Depth adds what a learned "
+                  "model makes of the whole picture, where one is configured under Edit > "
+                  "Preferences. Look at the depth map (key 2) while you change them: white is "
+                  "near."},
     HelpParagraph{"Depth", "Narrowband depth",
                   "For pictures of single spectral lines: the near channel comes forward of the "
                   "far one."},

@@ -51,7 +51,8 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
               opener(&MainWindow::loadColorProfileFile))
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
-    , m_preferences(*this, *this, [this] { settingsChanged(); })
+    , m_preferences(
+          *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
 {
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
@@ -391,6 +392,12 @@ void MainWindow::settingsChanged()
 {
     m_toolbar->applyGroups();
     m_params.refreshValueTexts();
+}
+
+void MainWindow::modelsChanged()
+{
+    m_params.refreshValueTexts(); // they tell what cannot be used
+    m_render.onParamsChanged();
 }
 
 void MainWindow::showTabHelp()

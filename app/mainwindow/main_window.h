@@ -137,6 +137,7 @@ private:
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }
     void settingsChanged();
+    void modelsChanged();
     void showTabHelp();
     void showShortcuts();
     void showAbout();

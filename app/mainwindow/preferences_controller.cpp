@@ -5,14 +5,18 @@
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/persist/appcfg.h"
+#include "app/prefs/learned_models.h"
 #include "app/prefs/preferences_dialog.h"
 
 PreferencesController::PreferencesController(ShellHost& host, QWidget& window,
-                                             std::function<void()> settingsChanged)
+                                             std::function<void()> settingsChanged,
+                                             std::function<void()> modelsChanged)
     : m_host(host)
     , m_window(window)
     , m_settingsChanged(std::move(settingsChanged))
+    , m_modelsChanged(std::move(modelsChanged))
 {
+    useConfiguredModels();
 }
 
 void PreferencesController::showPreferences()
@@ -26,9 +30,14 @@ void PreferencesController::showPreferences()
                               },
                               [&](const QString& title, const QColor& current) {
                                   return prompter.chooseColor(title, current);
+                              },
+                              [&](const QString& title, const QString& startAt) {
+                                  return prompter.openFile(title, startAt,
+                                                           "ONNX model (*.onnx);;All files (*)");
                               }},
                              &m_window);
     QObject::connect(&dialog, &PreferencesDialog::settingsChanged, m_settingsChanged);
+    QObject::connect(&dialog, &PreferencesDialog::modelsChanged, m_modelsChanged);
     dialog.exec();
 }
 

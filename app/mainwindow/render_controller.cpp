@@ -103,7 +103,8 @@ void RenderController::updatePreview()
         throw std::bad_alloc(); // the toolkit's way of saying so is a null picture
     picture = zre::Image();     // what follows copies pixels again
     m_hooks.show(std::move(shown), view != kSourceView);
-    m_host.showStatus(status);
+    const QString failure = view == kSourceView ? QString() : m_host.pipeline().aiDepthFailure();
+    m_host.showStatus(failure.isEmpty() ? status : status + "  -  " + failure);
 }
 
 void RenderController::setDepthInColor(bool inColor)

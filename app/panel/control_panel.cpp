@@ -129,4 +129,5 @@ void ControlPanel::refreshValueTexts()
     for (const PanelTab* tab : m_pages)
         for (SectionBox* section : tab->sections())
             section->refreshTexts();
+    updateGates();
 }

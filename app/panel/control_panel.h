@@ -39,7 +39,8 @@ public:
     /// The answer to `pickColorRequested` and `chooseColorRequested`: gives the row its colour and
     /// switches it on. A row that does not exist is ignored.
     void setPickedColor(int row, const QColor& color);
-    /// Shows all values anew, after the setting for percent or raw numbers has changed.
+    /// Shows all values anew, after the setting for percent or raw numbers has changed, and what
+    /// this machine can use.
     void refreshValueTexts();
 
 signals:

@@ -1,7 +1,9 @@
 #include "app/panel/depth_tab.h"
 
 #include <array>
+#include <string>
 
+#include <QFile>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -11,6 +13,7 @@
 #include "app/panel/row_controls.h"
 #include "app/panel/section_box.h"
 #include "engine/depth/blend_modes.h"
+#include "engine/inference/ai_depth.h"
 
 namespace {
 
@@ -31,6 +34,14 @@ constexpr Usable kLuminance = whenOn<&P::luminanceEnabled>;
 constexpr Usable kNarrowband = whenOn<&P::narrowbandEnabled>;
 constexpr Usable kDepthMap = whenOn<&P::depthMapEnabled>;
 
+QString withoutDepthModel()
+{
+    std::string why;
+    if (zre::AiDepth::available(&why))
+        return {};
+    return "Not in use: " + QFile::decodeName(why.c_str());
+}
+
 constexpr std::array kFilterRows{
     PanelRow{SliderRow{"smoothness", "Smoothness", 0.1, &P::smoothness, "px"}},
     PanelRow{SliderRow{"edgePreservation", "Edge preservation", 0.01, &P::edgePreservation}},
@@ -44,6 +55,8 @@ constexpr std::array kImageRows{
                        kLuminance}},
     PanelRow{
         SliderRow{"structureScale", "Structure scale", 0.1, &P::structureScale, "px", kLuminance}},
+    PanelRow{SliderRow{"aiDepthWeight", "Landscape AI Depth", 0.01, &P::aiDepthWeight, "",
+                       kLuminance, withoutDepthModel}},
     PanelRow{CheckRow{"invertDepth", "Invert depth (swap near / far)", &P::invertDepth}},
 };
 

@@ -61,7 +61,8 @@ public:
 
     void follow(const zre::ZRParams& params) override
     {
-        const bool usable = !m_row.usable || m_row.usable(params);
+        const bool usable = (!m_row.usable || m_row.usable(params)) &&
+                            (!m_row.hindrance || m_row.hindrance().isEmpty());
         for (QWidget* each : {static_cast<QWidget*>(m_label), static_cast<QWidget*>(m_slider),
                               static_cast<QWidget*>(m_box)})
             each->setEnabled(usable);

@@ -3,10 +3,15 @@
 #include <span>
 #include <variant>
 
+#include <QString>
+
 #include "engine/params/params.h"
 
 /// When a control has something to act on; null for always.
 using Usable = bool (*)(const zre::ZRParams&);
+
+/// What keeps a control from having any effect on this machine, as a sentence; empty for nothing.
+using Hindrance = QString (*)();
 
 /// A parameter on a slider with a text box. Its limits are those of its row in `kParamRanges`.
 struct SliderRow
@@ -17,6 +22,7 @@ struct SliderRow
     float zre::ZRParams::*field;
     const char* unit = "";
     Usable usable = nullptr;
+    Hindrance hindrance = nullptr;
 };
 
 /// A parameter that is on or off.

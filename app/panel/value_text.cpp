@@ -80,7 +80,9 @@ QString meaningOf(const char* name)
 QString rowHelp(const SliderRow& row, bool percent)
 {
     const zre::ParamRange* range = zre::findParamRange(row.name);
+    const QString hindrance = row.hindrance ? row.hindrance() : QString();
     return paragraph(meaningOf(row.name)) +
+           (hindrance.isEmpty() ? QString() : paragraph(hindrance)) +
            paragraph(QString("%1 to %2; default %3.")
                          .arg(valueText(row, range->min, percent),
                               valueText(row, range->max, percent),

@@ -18,7 +18,7 @@ std::optional<double> readValue(const SliderRow& row, const QString& text, bool 
 /// What the parameter `name` does, as a sentence.
 QString meaningOf(const char* name);
 
-/// The tooltip of a row: what it does, range, default.
+/// The tooltip of a row: what it does, what keeps it from doing so, range, default.
 QString rowHelp(const SliderRow& row, bool percent);
 QString rowHelp(const CheckRow& row);
 QString rowHelp(const ComboRow& row);

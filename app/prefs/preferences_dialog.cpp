@@ -6,7 +6,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QDir>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -16,6 +15,8 @@
 #include <QVBoxLayout>
 
 #include "app/persist/appcfg.h"
+#include "app/prefs/models_group.h"
+#include "app/prefs/path_label.h"
 #include "app/prefs/theme_manager.h"
 
 namespace {
@@ -53,23 +54,6 @@ QIcon swatch(const QColor& color, const QColor& edge)
     return icon;
 }
 
-/// A label for a path of any length, which must not widen the dialog.
-QLabel* pathLabel()
-{
-    auto* label = new QLabel;
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setTextFormat(Qt::PlainText);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    return label;
-}
-
-void showPath(QLabel* label, const QString& path, const QString& otherwise)
-{
-    const QString text = path.isEmpty() ? otherwise : QDir::toNativeSeparators(path);
-    label->setText(label->fontMetrics().elidedText(text, Qt::ElideMiddle, 400));
-    label->setToolTip(path.isEmpty() ? QString() : text);
-}
-
 QHBoxLayout* rowOf(std::initializer_list<QWidget*> widgets)
 {
     auto* row = new QHBoxLayout;
@@ -88,7 +72,8 @@ PreferencesDialog::PreferencesDialog(PreferenceQuestions questions, QWidget* par
     setWindowTitle("Preferences");
     auto* column = new QVBoxLayout(this);
     column->setSpacing(8);
-    for (QWidget* group : {interfaceGroup(), toolbarGroup(), foldersGroup(), videoGroup()})
+    for (QWidget* group :
+         {interfaceGroup(), toolbarGroup(), foldersGroup(), videoGroup(), modelsGroup()})
         column->addWidget(group);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     column->addSpacing(4);
@@ -266,6 +251,13 @@ QWidget* PreferencesDialog::videoGroup()
     column->addWidget(m_ffmpeg);
     column->addLayout(rowOf({locate, m_autoDetect}));
     column->addWidget(warn);
+    return group;
+}
+
+QWidget* PreferencesDialog::modelsGroup()
+{
+    auto* group = new ModelsGroup(m_questions.chooseModel);
+    connect(group, &ModelsGroup::modelsChanged, this, &PreferencesDialog::modelsChanged);
     return group;
 }
 

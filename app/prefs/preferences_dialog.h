@@ -14,6 +14,7 @@ struct PreferenceQuestions
     std::function<QString(const QString& title, const QString& startAt)> chooseFolder;
     std::function<QString(const QString& title, const QString& startAt)> chooseProgram;
     std::function<QColor(const QString& title, const QColor& current)> chooseColor;
+    std::function<QString(const QString& title, const QString& startAt)> chooseModel;
 };
 
 /// The settings of the user. Every change takes effect and is stored at once.
@@ -27,12 +28,15 @@ public:
 signals:
     /// A setting changed that others show: the groups of the toolbar, or the units of values.
     void settingsChanged();
+    /// Another learned model is in use.
+    void modelsChanged();
 
 private:
     QWidget* interfaceGroup();
     QWidget* toolbarGroup();
     QWidget* foldersGroup();
     QWidget* videoGroup();
+    QWidget* modelsGroup();
 
     QPushButton* colorButton(const QString& title, const QString& toolTip, QColor (*get)(),
                              void (*set)(const QColor&));

@@ -19,7 +19,7 @@ struct Preferring : testing::Test
     PrivateSettings own;
     FakeHost host;
     QWidget window;
-    PreferencesController controller{host, window, [] {}};
+    PreferencesController controller{host, window, [] {}, [] {}};
     QByteArray searchPath = qgetenv("PATH");
 
     Preferring() { qputenv("PATH", own.path("none").toLocal8Bit()); }

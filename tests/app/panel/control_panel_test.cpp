@@ -29,11 +29,11 @@ namespace {
 
 /// What one step of a slider is worth, by the names of the parameters.
 const std::map<std::string, std::set<std::string>> kSteps{
-    {"0.01",
-     {"luminanceWeight", "structureWeight", "narrowbandWeight", "edgePreservation", "depthGamma",
-      "colorDepthWeight", "colorDepthGamma", "depthMapBlend", "paintedGamma", "convergence",
-      "postBlack", "postWhite", "postGamma", "postBrightness", "postContrast", "postTemperature",
-      "postTint", "postSaturation", "postVibrance"}},
+    {"0.01", {"luminanceWeight",  "structureWeight", "aiDepthWeight",    "narrowbandWeight",
+              "edgePreservation", "depthGamma",      "colorDepthWeight", "colorDepthGamma",
+              "depthMapBlend",    "paintedGamma",    "convergence",      "postBlack",
+              "postWhite",        "postGamma",       "postBrightness",   "postContrast",
+              "postTemperature",  "postTint",        "postSaturation",   "postVibrance"}},
     {"0.1",
      {"structureScale", "smoothness", "colorDepthSmoothness", "colorDepthGaussian",
       "paintedSmoothness"}},

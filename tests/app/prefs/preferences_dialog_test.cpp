@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 
@@ -11,6 +12,8 @@
 
 #include "app/persist/appcfg.h"
 #include "app/prefs/theme_manager.h"
+#include "engine/inference/ai_depth.h"
+#include "engine/inference/starless_ai.h"
 #include "tests/app/private_settings.h"
 
 namespace {
@@ -21,6 +24,8 @@ struct Preferences : testing::Test
     QString folder;
     QString program;
     QColor color;
+    QString model;
+    QStringList titles;
 
     Preferences() { ThemeManager::instance().init(); }
 
@@ -28,7 +33,11 @@ struct Preferences : testing::Test
     {
         return {[this](const QString&, const QString&) { return folder; },
                 [this](const QString&, const QString&) { return program; },
-                [this](const QString&, const QColor&) { return color; }};
+                [this](const QString&, const QColor&) { return color; },
+                [this](const QString& title, const QString&) {
+                    titles << title;
+                    return model;
+                }};
     }
 };
 
@@ -58,8 +67,10 @@ TEST_F(Preferences, ACancelledQuestionChangesNothing)
     appcfg::setDefaultWorkFolder("/work here");
     appcfg::setFfmpegConfigured("/bin/true");
     PreferencesDialog dialog(answers());
-    for (const char* name : {"accentColor", "secondaryColor", "chooseWorkFolder", "locateFfmpeg"})
+    for (const char* name : {"accentColor", "secondaryColor", "chooseWorkFolder", "locateFfmpeg",
+                             "starModelLoad", "depthModelLoad"})
         press(dialog, name);
+    EXPECT_TRUE(appcfg::aiModelConfigured().isEmpty());
     EXPECT_TRUE(appcfg::themeAccent().isEmpty());
     EXPECT_TRUE(appcfg::themeSectionTitleColor().isEmpty());
     EXPECT_EQ(appcfg::defaultWorkFolder(), "/work here");
@@ -88,6 +99,39 @@ TEST_F(Preferences, AnswersAreStoredEachUnderItsOwnSetting)
     EXPECT_TRUE(appcfg::defaultWorkFolder().isEmpty());
     EXPECT_TRUE(appcfg::ffmpegConfigured().isEmpty());
     EXPECT_FALSE(dialog.findChild<QPushButton*>("clearWorkFolder")->isEnabled());
+}
+
+TEST_F(Preferences, AModelIsInUseOnceItIsChosen)
+{
+    struct Case
+    {
+        const char* name;
+        QString (*configured)();
+        std::string (*inUse)();
+    };
+    model = own.path("chosen.onnx");
+    ASSERT_TRUE(QFile(model).open(QIODevice::WriteOnly));
+    for (const Case& c :
+         {Case{"starModel", appcfg::aiModelConfigured, zre::StarlessAI::modelPath},
+          {"depthModel", appcfg::aiDepthModelConfigured, zre::AiDepth::modelPath}}) {
+        const QString name = c.name;
+        PreferencesDialog dialog(answers());
+        const std::string standard = c.inUse();
+        auto* clear = dialog.findChild<QPushButton*>(name + "Default");
+        EXPECT_FALSE(clear->isEnabled());
+        bool inUseFirst = false;
+        const auto told = QObject::connect(&dialog, &PreferencesDialog::modelsChanged,
+                                           [&] { inUseFirst = c.inUse() == model.toStdString(); });
+        press(dialog, qPrintable(name + "Load"));
+        EXPECT_EQ(c.configured(), model);
+        EXPECT_TRUE(inUseFirst);
+        QObject::disconnect(told);
+        clear->click();
+        EXPECT_TRUE(c.configured().isEmpty());
+        EXPECT_EQ(c.inUse(), standard);
+    }
+    EXPECT_EQ(titles, QStringList({"Locate the AI Star Separation model",
+                                   "Locate the Landscape AI Depth model"}));
 }
 
 TEST_F(Preferences, TheWarningIsWantedWhileItIsNotDismissed)

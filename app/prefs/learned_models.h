@@ -1,0 +1,4 @@
+#pragma once
+
+/// Gives the learned models the files that the user has configured, or those beside the program.
+void useConfiguredModels();
