@@ -1,0 +1,196 @@
+#include "app/export/video_encoder.h"
+
+#include <cstdio>
+
+#include <fcntl.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "app/export/frame_farm.h"
+#include "app/export/video_plan.h"
+
+namespace {
+
+constexpr int kStepMs = 50;
+constexpr int kPatienceMs = 2000;
+
+/// One run of the encoder.
+class Encoding
+{
+public:
+    Encoding(const VideoJob& job, const std::function<bool(const VideoProgress&)>& goesOn,
+             const QString& staged)
+        : m_job(job)
+        , m_goesOn(goesOn)
+        , m_staged(staged)
+    {
+    }
+
+    VideoResult run()
+    {
+        if (!start())
+            return failed("Could not launch ffmpeg:\n" + m_process.errorString());
+        const VideoEnd written = writeFrames();
+        if (written == VideoEnd::Canceled)
+            return cancel();
+        const bool rendered = m_renderError.isEmpty();
+        if (rendered)
+            m_process.closeWriteChannel();
+        else
+            m_process.kill();
+        if (!waitForEnd())
+            return cancel();
+        if (!rendered)
+            return failed(m_renderError);
+        if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
+            return failed(QString("ffmpeg exited with code %1.\n\n%2")
+                              .arg(m_process.exitCode())
+                              .arg(lastWords()));
+        if (written == VideoEnd::Failed || m_process.error() == QProcess::WriteError ||
+            !QFileInfo::exists(m_staged))
+            return failed("ffmpeg ended before the last frame.\n\n" + lastWords());
+        return {VideoEnd::Done, {}};
+    }
+
+private:
+    bool start()
+    {
+        // A frame is megabytes; through a larger pipe it goes in fewer portions.
+        m_process.setChildProcessModifier([] { fcntl(0, F_SETPIPE_SZ, 1 << 20); });
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(m_job.encoder, m_job.arguments(m_staged));
+        return m_process.waitForStarted(5000);
+    }
+
+    VideoEnd writeFrames()
+    {
+        const int window = frameBatch(m_job.packed, m_job.frames);
+        FrameFarm farm({m_job.frames, FrameFarm::threadsFor(window), window}, m_job.render);
+        while (m_done < m_job.frames) {
+            if (!isRunning())
+                return VideoEnd::Failed;
+            const bool isFeeding = m_process.bytesToWrite() > 0;
+            if (farm.waitForNext(isFeeding ? 0 : kStepMs)) {
+                const QImage frame = farm.takeNext();
+                write(frame);
+                ++m_done;
+                if (!goesOn(&frame) || !drainTo(kMostWaiting))
+                    return VideoEnd::Canceled;
+            } else if (farm.failed()) {
+                m_renderError = farm.error();
+                return VideoEnd::Failed;
+            } else if (!goesOn(nullptr)) {
+                return VideoEnd::Canceled;
+            } else if (isFeeding) {
+                m_process.waitForBytesWritten(kStepMs);
+                listen();
+            }
+        }
+        return VideoEnd::Done;
+    }
+
+    void write(const QImage& picture)
+    {
+        const QImage frame = picture.convertToFormat(QImage::Format_RGB888);
+        const auto rowBytes = qint64{frame.width()} * 3;
+        for (int y = 0; y < frame.height(); ++y)
+            m_process.write(reinterpret_cast<const char*>(frame.constScanLine(y)), rowBytes);
+    }
+
+    /// False on a cancel. A dead encoder would take bytes for ever: the caller looks for it.
+    bool drainTo(qint64 most)
+    {
+        while (isRunning() && m_process.bytesToWrite() > most) {
+            m_process.waitForBytesWritten(200);
+            listen();
+            if (!goesOn(nullptr))
+                return false;
+        }
+        return true;
+    }
+
+    /// False on a cancel.
+    bool waitForEnd()
+    {
+        while (isRunning()) {
+            m_process.waitForFinished(kStepMs);
+            listen();
+            if (!goesOn(nullptr))
+                return false;
+        }
+        return true;
+    }
+
+    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+
+    bool goesOn(const QImage* shown) { return m_goesOn({m_done, m_job.frames, shown}); }
+
+    /// Takes what the encoder says, and keeps its last words only: it may say anything.
+    void listen()
+    {
+        constexpr qsizetype kKept = 4096;
+        m_said += m_process.readAllStandardOutput();
+        if (m_said.size() > kKept)
+            m_said = m_said.right(kKept);
+    }
+
+    QString lastWords()
+    {
+        listen();
+        return QString::fromLocal8Bit(m_said).trimmed();
+    }
+
+    VideoResult cancel()
+    {
+        end();
+        return {VideoEnd::Canceled, {}};
+    }
+
+    VideoResult failed(const QString& why)
+    {
+        end();
+        return {VideoEnd::Failed, why};
+    }
+
+    void end()
+    {
+        if (!isRunning())
+            return;
+        m_process.kill();
+        m_process.waitForFinished(kPatienceMs);
+    }
+
+    static constexpr qint64 kMostWaiting = 16777216;
+
+    const VideoJob& m_job;
+    const std::function<bool(const VideoProgress&)>& m_goesOn;
+    QString m_staged;
+    QProcess m_process;
+    QByteArray m_said;
+    QString m_renderError;
+    int m_done = 0;
+};
+
+} // namespace
+
+VideoResult encodeVideo(const VideoJob& job,
+                        const std::function<bool(const VideoProgress&)>& goesOn)
+{
+    const QFileInfo target(job.path);
+    QTemporaryDir staging(target.absoluteDir().filePath(".zrvideo-XXXXXX"));
+    if (!staging.isValid())
+        return {VideoEnd::Failed, "Could not write:\n" + job.path};
+    const QString staged = staging.filePath("video." + target.suffix());
+    const VideoResult result = Encoding(job, goesOn, staged).run();
+    if (result.end != VideoEnd::Done)
+        return result;
+    // rename(2) replaces in one step; QFile::rename would not replace at all.
+    if (std::rename(QFile::encodeName(staged).constData(),
+                    QFile::encodeName(job.path).constData()) != 0)
+        return {VideoEnd::Failed, "Could not write:\n" + job.path};
+    return result;
+}

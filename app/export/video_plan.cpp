@@ -1,0 +1,124 @@
+#include "app/export/video_plan.h"
+
+#include <algorithm>
+#include <cmath>
+
+static const QString kEvenCrop = QStringLiteral("crop=trunc(iw/2)*2:trunc(ih/2)*2");
+
+// High definition is decoded by the matrix of BT.709, so it has to be made by it, too.
+static const QString kMatrix = QStringLiteral(",scale=out_color_matrix=bt709:out_range=limited");
+
+int stereoFormatFor(int format, int stereo3d)
+{
+    return format == kGif && stereo3d >= kSideBySide ? kAnaglyph : stereo3d;
+}
+
+QSize packedSize(int stereo3d, QSize frame)
+{
+    switch (stereo3d) {
+    case kSideBySide:
+        return {frame.width() * 2, frame.height()};
+    case kHalfSideBySide:
+        return {frame.width() / 2 * 2, frame.height()};
+    case kTopBottom:
+        return {frame.width(), frame.height() / 2 * 2};
+    default:
+        return frame;
+    }
+}
+
+static int evenSide(double side)
+{
+    return std::max(2, static_cast<int>(std::lround(side)) / 2 * 2);
+}
+
+QString videoFilter(const VideoPlan& plan)
+{
+    if (plan.box.isEmpty())
+        return kEvenCrop;
+    const QSize packed = packedSize(plan.stereo3d, plan.frame);
+    const int boxWidth = evenSide(plan.box.width()) * (plan.stereo3d == kSideBySide ? 2 : 1);
+    const int boxHeight = evenSide(plan.box.height());
+    const double factor = std::min(static_cast<double>(boxHeight) / packed.height(),
+                                   static_cast<double>(boxWidth) / packed.width());
+    const double scale = std::min(factor, 1.0);
+    const bool meansKeepStars = factor < 0.999 && plan.hasStars;
+    const int width = evenSide(packed.width() * scale);
+    const int height = evenSide(packed.height() * scale);
+    return QString("scale=%1:%2:flags=%3,pad=%4:%5:%6:%7:color=black")
+        .arg(width)
+        .arg(height)
+        .arg(meansKeepStars ? "area" : "lanczos")
+        .arg(boxWidth)
+        .arg(boxHeight)
+        .arg((boxWidth - width) / 2)
+        .arg((boxHeight - height) / 2);
+}
+
+static QStringList rawInput(QSize packed, int fps)
+{
+    return {"-y",
+            "-f",
+            "rawvideo",
+            "-pix_fmt",
+            "rgb24",
+            "-s",
+            QString("%1x%2").arg(packed.width()).arg(packed.height()),
+            "-r",
+            QString::number(fps),
+            "-i",
+            "-"};
+}
+
+static QStringList h264Output(const QString& filter)
+{
+    return {"-vf",
+            filter + kMatrix,
+            "-c:v",
+            "libx264",
+            "-pix_fmt",
+            "yuv420p",
+            "-crf",
+            "18",
+            "-preset",
+            "medium",
+            "-color_primaries",
+            "bt709",
+            "-color_trc",
+            "bt709",
+            "-colorspace",
+            "bt709",
+            "-color_range",
+            "tv"};
+}
+
+QStringList encoderArguments(const VideoPlan& plan, const QString& path)
+{
+    const QString filter = videoFilter(plan);
+    QStringList arguments = rawInput(packedSize(plan.stereo3d, plan.frame), plan.fps);
+    if (plan.format == kGif)
+        arguments << "-vf"
+                  << filter + ",split[a][b];[a]palettegen=stats_mode=diff[p];[b][p]paletteuse="
+                              "dither=bayer:bayer_scale=3";
+    else
+        arguments << h264Output(filter);
+    return arguments << path;
+}
+
+QStringList sideBySideArguments(QSize packed, QSize target, int fps, const QStringList& extra,
+                                const QString& path)
+{
+    const QString filter =
+        target.isEmpty()
+            ? kEvenCrop
+            : QString("scale=%1:%2:flags=lanczos").arg(target.width()).arg(target.height());
+    return rawInput(packed, fps) << h264Output(filter) << extra << path;
+}
+
+int frameBatch(QSize packed, int frames)
+{
+    constexpr qint64 kBatchBytes = 268435456;
+    const qint64 bytes = packed.isEmpty() ? 0 : qint64{packed.width()} * packed.height() * 3;
+    const qint64 fitting = bytes > 0 ? std::clamp<qint64>(kBatchBytes / bytes, 4, 128) : 64;
+    return static_cast<int>(std::min<qint64>(fitting, frames));
+}
