@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include <QString>
+
+#include "engine/flight/flyby_script.h"
+#include "engine/params/params.h"
+
+/// The user's settings of every flyby.
+struct FlybyOptions
+{
+    bool ongoingWiggle = true;  ///< frames without an amplitude of their own swing, too
+    bool continuousLoop = true; ///< the wiggle of a loop is led on until it closes
+};
+
+/// The cameras that a script stands for.
+struct FlybyPath
+{
+    std::vector<zre::FlybyCamera> cameras; ///< of the built-in flyby where the script has none
+    std::vector<zre::ZRFlybyError> errors;
+    bool builtIn = false;
+    QString status; ///< for the user
+};
+
+/// Compiles `script` for a picture of `width` by `height` pixels; an empty or failed one gives the
+/// built-in push-in loop.
+FlybyPath compileFlyby(const QString& script, const zre::ZRParams& params, int width, int height,
+                       const FlybyOptions& options);
