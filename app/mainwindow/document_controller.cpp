@@ -161,7 +161,7 @@ void DocumentController::install(Session loaded, bool carryOver)
     if (carryOver)
         rescaleSession(session, sizeOf(session.source), sizeOf(loaded.source));
     else
-        session.installExternalDepth({}, {});
+        startFresh(session);
     session.installSource(std::move(loaded.sourcePath), std::move(loaded.source),
                           std::move(loaded.wcs), std::move(loaded.sourceFile));
     m_host.stageStatus(kPreparingPercent, "Rendering...");

@@ -13,8 +13,6 @@
 #include "app/session/render_pipeline.h"
 #include "engine/qt/zre_qt.h"
 
-static constexpr int kDepthView = 1;
-
 RenderController::RenderController(ShellHost& host, Hooks hooks)
     : m_host(host)
     , m_hooks(std::move(hooks))
@@ -85,7 +83,7 @@ bool RenderController::deservesProgress() const
     const Session& session = m_host.session();
     return paintsManyColors(session.params, m_hooks.activeColorRows()) &&
            QGuiApplication::mouseButtons() == Qt::NoButton && !m_host.isBusy() &&
-           session.outputMode != kSourceView && !m_host.pipeline().standingDepth();
+           !needsNoDepth(session.outputMode) && !m_host.pipeline().standingDepth();
 }
 
 void RenderController::updatePreview()
@@ -94,6 +92,7 @@ void RenderController::updatePreview()
     QString status;
     AnaglyphGains gains;
     appcfg::anaglyphTrim(gains.r, gains.g, gains.b);
+    m_host.pipeline().setTrueColor(appcfg::starTrueColor());
     if (!m_host.pipeline().renderView(m_host.session().outputMode, gains, picture, &status))
         return;
     const int view = m_host.session().outputMode;
@@ -118,6 +117,7 @@ bool RenderController::renderCurrentViewFullRes(zre::Image& out)
 {
     bool rendered = false;
     m_host.busyRun([&] {
+        m_host.pipeline().setTrueColor(appcfg::starTrueColor());
         rendered = m_host.pipeline().renderView(m_host.session().outputMode, {}, out, nullptr);
     });
     return rendered;

@@ -77,7 +77,7 @@ inline constexpr std::array kParamOrder{
     ParamKey{"anchorDistanceUnit", &zre::ZRParams::anchorDistanceUnit, "number of the unit in which the distance is shown", ParamLimits{0.0, 99.0}},
     ParamKey{"floorAuto", &zre::ZRParams::floorAuto, "find the background floor from the depths themselves"},
     ParamKey{"backgroundFloor", &zre::ZRParams::backgroundFloor, "depth up to which the background stays in place, unless found automatically", ParamLimits{0.0, 0.98}},
-    ParamKey{"outputMode", OutputView{}, "view: 0 original image, 1 depth map, 2 anaglyph, 3 side by side", ParamLimits{0.0, 3.0}},
+    ParamKey{"outputMode", OutputView{}, "view: 0 original image, 1 depth map, 2 anaglyph, 3 side by side, 4 starless, 5 stars, 6 stars over starless", ParamLimits{0.0, 6.0}},
     ParamKey{"parallaxAmount", &zre::ZRParams::parallaxAmount, "greatest total shift between the eyes (pixels)"},
     ParamKey{"convergence", &zre::ZRParams::convergence, "depth that lies in the plane of the screen, unless found automatically"},
     ParamKey{"swapEyes", &zre::ZRParams::swapEyes, "exchange the left and the right view"},

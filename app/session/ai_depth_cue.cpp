@@ -24,7 +24,7 @@ void AiDepthCue::ensure(const Session& session, const std::function<void(const Q
         return;
     const zre::Image& source = session.source;
     CacheKey key;
-    key.text(QStringLiteral("v%1").arg(session.generation))
+    key.text(QStringLiteral("v%1").arg(session.imageGeneration))
         .text(QStringLiteral("%1x%2").arg(source.width).arg(source.height))
         .text(QString::fromStdString(zre::AiDepth::modelPath()));
     m_current = &m_result.get(key.str(), [&](Result& result) {

@@ -56,11 +56,15 @@ void rescaleSession(Session& session, QSize oldSize, QSize newSize)
 {
     if (oldSize.isEmpty() || newSize.isEmpty())
         return;
+    const double scaleX = double(newSize.width()) / oldSize.width();
+    const double scaleY = double(newSize.height()) / oldSize.height();
     zre::ZRParams& params = session.params;
-    params.flybyFrameW = rescaledSide(params.flybyFrameW, double(newSize.width()) / oldSize.width(),
-                                      newSize.width());
-    params.flybyFrameH = rescaledSide(
-        params.flybyFrameH, double(newSize.height()) / oldSize.height(), newSize.height());
+    params.flybyFrameW = rescaledSide(params.flybyFrameW, scaleX, newSize.width());
+    params.flybyFrameH = rescaledSide(params.flybyFrameH, scaleY, newSize.height());
+    for (zre::StarErasure& erasure : params.starErasures) {
+        erasure.x *= scaleX;
+        erasure.y *= scaleY;
+    }
 
     const zre::Image& map = session.externalDepth;
     if (!map.usable() || QSize(map.width, map.height) == newSize)
@@ -68,4 +72,10 @@ void rescaleSession(Session& session, QSize oldSize, QSize newSize)
     zre::Image resampled;
     zre::areaResample(map, newSize.width(), newSize.height(), resampled);
     session.installExternalDepth(session.depthMapPath, std::move(resampled));
+}
+
+void startFresh(Session& session)
+{
+    session.installExternalDepth({}, {});
+    session.params.starErasures.clear();
 }

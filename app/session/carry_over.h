@@ -18,3 +18,6 @@ QString carryOverQuestion(QSize oldSize, QSize newSize, const QStringList& items
 /// Brings all that lies in the pixels of an image of `oldSize` to `newSize`; nothing when a size is
 /// not positive.
 void rescaleSession(Session& session, QSize oldSize, QSize newSize);
+
+/// Drops all that lies in the pixels of the image that goes.
+void startFresh(Session& session);

@@ -5,80 +5,24 @@
 
 #include <QElapsedTimer>
 
+#include "app/session/depth_key.h"
+#include "app/session/output_view.h"
 #include "engine/depth/depth_map.h"
 #include "engine/image/raster.h"
+#include "engine/stars/star_depth.h"
 #include "engine/stereo/views.h"
 
 namespace {
 
-// Shares of the percent range: the depth map, then the eyes.
+// Shares of the percent range behind the stars: the depth map, then the eyes.
+constexpr int kLearnedDepthPercent = 70;
+constexpr int kDepthPercent = 72;
 constexpr double kDepthPercentSpan = 18.0;
-constexpr double kEyesPercent = RenderPipeline::kFirstPercent + kDepthPercentSpan;
+constexpr double kEyesPercent = kDepthPercent + kDepthPercentSpan;
 constexpr double kEyesPercentSpan = 100.0 - kEyesPercent;
 
 const QString kBuildingDepth = QStringLiteral("Building depth map...");
 const QString kRendering = QStringLiteral("Rendering...");
-
-QString flag(char name, bool on)
-{
-    return QLatin1Char(name) + QLatin1String(on ? "1" : "0");
-}
-
-void addLuminance(CacheKey& key, const zre::ZRParams& p)
-{
-    if (p.luminanceEnabled)
-        key.text("L").number(p.luminanceWeight).number(p.structureWeight);
-    AiDepthCue::addTo(key, p);
-}
-
-void addNarrowband(CacheKey& key, const zre::ZRParams& p)
-{
-    if (p.narrowbandEnabled && p.narrowbandWeight > 0.0f)
-        key.text("N").number(p.narrowbandWeight).number(p.nearChannel).number(p.farChannel);
-}
-
-void addColourRows(CacheKey& key, const zre::ZRParams& p)
-{
-    if (p.colorDepthEnabled && p.colorDepthWeight > 0.0f)
-        key.text("C")
-            .number(p.colorDepthWeight)
-            .number(p.colorDepthGamma)
-            .number(p.colorDepthSmoothness)
-            .number(p.colorDepthGaussian)
-            .text(QString::fromStdString(p.colorDepthEntries));
-}
-
-void addExternalMap(CacheKey& key, const zre::ZRParams& p)
-{
-    if (p.depthMapEnabled && p.depthMapBlend > 0.0f)
-        key.text("D")
-            .number(p.depthMapBlend)
-            .number(p.depthMapMode)
-            .number(p.paintedSmoothness)
-            .number(p.paintedGamma);
-}
-
-void addAnchor(CacheKey& key, const zre::ZRParams& p)
-{
-    if (p.resolveDistance && p.objectFit > 0.0f)
-        key.text("O")
-            .number(p.objectFit)
-            .number(p.manualAnchorDepth)
-            .number(p.objectThickness)
-            .text(p.floorAuto ? "fa" : "fm")
-            .number(p.backgroundFloor)
-            .text(flag('m', p.manualAnchorOn));
-}
-
-void addGeneral(CacheKey& key, const zre::ZRParams& p)
-{
-    key.text("G")
-        .number(p.structureScale)
-        .number(p.invertDepth ? 1 : 0)
-        .number(p.smoothness)
-        .number(p.edgePreservation)
-        .number(p.depthGamma);
-}
 
 void say(QString* status, const QString& text)
 {
@@ -90,6 +34,7 @@ void say(QString* status, const QString& text)
 
 RenderPipeline::RenderPipeline(Session& owner)
     : session(owner)
+    , starStage(owner, [this](int percent, const QString& text) { stage(percent, text); })
 {
 }
 
@@ -105,6 +50,9 @@ void RenderPipeline::clear()
     anchoredDepth.clear();
     finalDepth.clear();
     depthMedian.clear();
+    removal.clear();
+    starStage.clear();
+    depthText.clear();
 }
 
 void RenderPipeline::stage(int percent, const QString& text) const
@@ -122,19 +70,30 @@ zre::Progress RenderPipeline::eyeProgress() const
     };
 }
 
-void RenderPipeline::prepareInputs()
+int RenderPipeline::firstPercent() const
 {
-    session.params.sourceIsStarless = false;
+    return starStage.road() == StarRoad::Learned && !starStage.learnedStands()
+               ? StarStage::kInferencePercent
+               : StarStage::kDetectionPercent;
 }
 
-const zre::Image& RenderPipeline::working() const
+RenderPipeline::LevelBuilds RenderPipeline::levelBuilds() const
 {
-    return session.source;
+    LevelBuilds all = builds;
+    all.detections = starStage.detections();
+    all.erasureUpdates = starStage.erasureUpdates();
+    return all;
 }
 
 void RenderPipeline::setTrueColor(bool on)
 {
-    trueColor = on;
+    starStage.setTrueColor(on);
+}
+
+void RenderPipeline::prepareInputs()
+{
+    if (session.hasSource())
+        starStage.prepare();
 }
 
 void RenderPipeline::prepareStars()
@@ -142,36 +101,51 @@ void RenderPipeline::prepareStars()
     cachedDepth();
 }
 
+const zre::Image& RenderPipeline::working() const
+{
+    return starStage.working();
+}
+
 const std::vector<zre::Star>* RenderPipeline::activeStars() const
 {
-    return starList.empty() ? nullptr : &starList;
+    return starStage.stars().empty() ? nullptr : &starStage.stars();
 }
 
 std::vector<zre::Star>& RenderPipeline::stars()
 {
-    return starList;
+    return starStage.stars();
 }
 
 int RenderPipeline::starsShown() const
 {
-    return static_cast<int>(
-        std::count_if(starList.begin(), starList.end(),
-                      [](const zre::Star& star) { return star.depth >= 0.0f; }));
+    const std::vector<zre::Star>& list = starStage.stars();
+    return static_cast<int>(std::count_if(
+        list.begin(), list.end(), [](const zre::Star& star) { return star.depth >= 0.0f; }));
 }
 
 QString RenderPipeline::starDetector() const
 {
+    switch (starStage.preparedRoad()) {
+    case StarRoad::Pair:
+        return QStringLiteral("stars layer");
+    case StarRoad::Learned:
+        return QStringLiteral("AI");
+    case StarRoad::Classical:
+        return QStringLiteral("classical");
+    case StarRoad::Off:
+        break;
+    }
     return {};
 }
 
 QString RenderPipeline::starDepthText() const
 {
-    return {};
+    return depthText;
 }
 
 void RenderPipeline::ensureAiDepth()
 {
-    aiDepth.ensure(session, [this](const QString& text) { stage(kFirstPercent, text); });
+    aiDepth.ensure(session, [this](const QString& text) { stage(kLearnedDepthPercent, text); });
 }
 
 zre::DepthInputs RenderPipeline::depthInputs() const
@@ -185,19 +159,7 @@ zre::DepthInputs RenderPipeline::depthInputs() const
 
 QString RenderPipeline::depthCacheKey(bool /*includeModel*/, bool includeAnchor) const
 {
-    const zre::ZRParams& p = session.params;
-    CacheKey key;
-    key.text(QStringLiteral("v%1").arg(session.generation));
-    key.text(flag('c', p.starSeparationEnabled || (p.syntheticStars && session.wcs.valid)));
-    addLuminance(key, p);
-    addNarrowband(key, p);
-    addColourRows(key, p);
-    if (session.externalDepth.usable())
-        addExternalMap(key, p);
-    if (includeAnchor)
-        addAnchor(key, p);
-    addGeneral(key, p);
-    return key.str();
+    return depthKey(session, starStage.baseKey(), includeAnchor);
 }
 
 void RenderPipeline::buildCues(zre::Image& out)
@@ -206,7 +168,7 @@ void RenderPipeline::buildCues(zre::Image& out)
     double fraction = 0.0;
     QString text = kBuildingDepth;
     const auto report = [&] {
-        stage(static_cast<int>(kFirstPercent + kDepthPercentSpan * fraction), text);
+        stage(static_cast<int>(kDepthPercent + kDepthPercentSpan * fraction), text);
     };
     report();
     const zre::Progress progress = [&](double done) {
@@ -237,10 +199,35 @@ const zre::Image* RenderPipeline::cachedDepth()
         return nullptr;
     prepareInputs();
     const zre::Image& anchored = anchoredLevel();
-    return &finalDepth.get(depthCacheKey(true, true), [&](zre::Image& out) {
+    const zre::Image& depth = finalDepth.get(depthCacheKey(true, true), [&](zre::Image& out) {
         ++builds.final;
         zre::compositeDepthModel(anchored, session.params, depthInputs(), out);
     });
+    assignDepths(depth);
+    return &depth;
+}
+
+void RenderPipeline::assignDepths(const zre::Image& depth)
+{
+    constexpr int kScattered = 2;
+    constexpr int kRealDistances = 3;
+    const zre::ZRParams& p = session.params;
+    zre::StarDepthParams where;
+    where.mode = p.starDepthModel;
+    where.plane = p.starPlane;
+    where.range = p.starDepthRange;
+    where.floatation = p.starFloatation;
+    where.pop = p.starPop;
+    where.maxRendered = p.starMaxRendered;
+    depthText.clear();
+    if (where.mode == kRealDistances) {
+        depthText = session.wcs.valid
+                        ? QStringLiteral("Real depth: no Star catalog found; using random spread")
+                        : QStringLiteral("Real depth: image has no astrometric solution; "
+                                         "using random spread");
+        where.mode = kScattered;
+    }
+    zre::assignStarDepths(depth, starStage.stars(), where);
 }
 
 const zre::Image* RenderPipeline::standingDepth() const
@@ -262,21 +249,24 @@ bool RenderPipeline::renderView(int view, const AnaglyphGains& gains, zre::Image
     if (!session.hasSource())
         return false;
     switch (view) {
-    case 0:
+    case kSourceView:
         out = session.source;
         say(status, QStringLiteral("Source  -  %1 x %2").arg(out.width).arg(out.height));
         return true;
-    case 1:
+    case kDepthView:
         renderDepthView(out, status);
         return true;
-    case 2:
+    case kAnaglyphView:
         renderAnaglyphView(gains, out, status);
         return true;
-    case 3:
+    case kPairView:
         renderPair(out, status);
         return true;
+    case kStarsOverStarlessView:
+        renderStarsOverStarless(out, status);
+        return true;
     default:
-        return false;
+        return buildLayerView(view, out, status);
     }
 }
 
@@ -297,12 +287,14 @@ void RenderPipeline::renderAnaglyphView(const AnaglyphGains& gains, zre::Image& 
     QElapsedTimer timer;
     timer.start();
     const zre::Image& depth = *cachedDepth();
-    zre::renderAnaglyph(working(), depth, session.params, out, nullptr, eyeProgress(), nullptr,
-                        nullptr, gains.r, gains.g, gains.b);
+    zre::renderAnaglyph(working(), depth, session.params, out, activeStars(), eyeProgress(),
+                        nullptr, nullptr, gains.r, gains.g, gains.b);
     const double parallax = static_cast<double>(session.params.parallaxAmount);
+    const QString detector =
+        activeStars() ? QStringLiteral(" (%1)").arg(starDetector()) : QString();
     say(status, QStringLiteral("Red/cyan anaglyph  -  %1 x %2  -  %3 px  -  %4 stars%5  -  %6 ms")
                     .arg(QString::number(out.width), QString::number(out.height),
-                         QString::number(parallax, 'f', 1), QString::number(0), QString(),
+                         QString::number(parallax, 'f', 1), QString::number(starsShown()), detector,
                          QString::number(timer.elapsed())));
 }
 
@@ -311,11 +303,12 @@ void RenderPipeline::renderPair(zre::Image& out, QString* status)
     QElapsedTimer timer;
     timer.start();
     const zre::Image& depth = *cachedDepth();
-    zre::renderSideBySide(working(), depth, session.params, out, nullptr, eyeProgress(), nullptr,
-                          nullptr);
+    zre::renderSideBySide(working(), depth, session.params, out, activeStars(), eyeProgress(),
+                          nullptr, nullptr);
     say(status, QStringLiteral("Side-by-side  -  %1 x %2  -  %3 ms%4")
                     .arg(QString::number(out.width), QString::number(out.height),
-                         QString::number(timer.elapsed()), QString()));
+                         QString::number(timer.elapsed()),
+                         activeStars() ? QStringLiteral("  -  stars") : QString()));
 }
 
 bool RenderPipeline::renderWiggle(int frame, zre::Image& out)
@@ -330,7 +323,7 @@ bool RenderPipeline::renderWiggle(int frame, zre::Image& out)
                               [&](double& median) { median = zre::medianValue(depth); })
             : static_cast<double>(p.convergence);
     zre::renderWiggleFrame(working(), depth, frame, p.wiggleFrames,
-                           static_cast<double>(p.wiggleAmplitude), convergence, p, out, nullptr,
-                           nullptr, nullptr, 0.0);
+                           static_cast<double>(p.wiggleAmplitude), convergence, p, out,
+                           activeStars(), nullptr, nullptr, 0.0);
     return true;
 }

@@ -2,11 +2,15 @@
 
 #include <utility>
 
+#include "app/session/output_view.h"
+
 void Session::clear()
 {
     const int next = generation + 1;
+    const int nextImage = imageGeneration + 1;
     *this = Session();
     generation = next;
+    imageGeneration = nextImage;
 }
 
 void Session::installSource(QString path, zre::Image image, zre::Wcs solution, DecodedFile file)
@@ -20,6 +24,7 @@ void Session::installSource(QString path, zre::Image image, zre::Wcs solution, D
     starless = zre::Image();
     starsLayer = zre::Image();
     ++generation;
+    ++imageGeneration;
 }
 
 void Session::installExternalDepth(QString path, zre::Image image)
@@ -32,7 +37,6 @@ void Session::installExternalDepth(QString path, zre::Image image)
 
 const zre::Wcs* solutionOfStill(const Session& session, int view, const zre::Image& still)
 {
-    constexpr int kDepthView = 1;
     const bool fits = session.wcs.valid && still.sameSize(session.source) && view != kDepthView;
     return fits ? &session.wcs : nullptr;
 }

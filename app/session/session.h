@@ -27,7 +27,10 @@ struct Session
     zre::ZRParams params;
     int outputMode = 2; ///< the output view shown
 
-    int generation = 0; ///< raised whenever an image is replaced; it opens every cache key
+    int generation = 0; ///< raised whenever an image is replaced; it opens the keys of the depth
+    /// Raised only with the picture itself: stars and what was learned of it outlive another depth
+    /// map.
+    int imageGeneration = 0;
 
     bool hasSource() const { return source.usable(); }
     bool hasPair() const { return starless.usable() && starsLayer.usable(); }

@@ -9,7 +9,6 @@
 #include "app/persist/param_table.h"
 #include "app/persist/param_text.h"
 #include "app/session/open_document.h"
-#include "app/session/render_pipeline.h"
 #include "engine/inference/ai_depth.h"
 #include "engine/inference/starless_ai.h"
 #include "engine/params/param_ranges.h"
@@ -192,11 +191,10 @@ QString stretchText(const DecodedFile& file)
              QString::number(file.stretch.midtones, 'g', 4));
 }
 
-int percentWithin(int pipelinePercent, int end)
+int percentWithin(int pipelinePercent, int first, int end)
 {
-    constexpr int kFirst = RenderPipeline::kFirstPercent;
-    const int within = std::clamp(pipelinePercent, kFirst, 100) - kFirst;
-    return kReadPercent + within * (end - kReadPercent) / (100 - kFirst);
+    const int within = std::clamp(pipelinePercent, first, 100) - first;
+    return kReadPercent + within * (end - kReadPercent) / (100 - first);
 }
 
 } // namespace zrrender

@@ -22,8 +22,8 @@ QString stretchText(const DecodedFile& file);
 constexpr int kReadPercent = 10;  ///< of the run, when reading is done
 constexpr int kWritePercent = 90; ///< when writing begins
 
-/// Maps the percent of a pipeline, which begins at `RenderPipeline::kFirstPercent`, into the part
-/// of the run from `kReadPercent` to `end`.
-int percentWithin(int pipelinePercent, int end);
+/// Maps the percent of a pipeline, which begins at `first`, into the part of the run from
+/// `kReadPercent` to `end`.
+int percentWithin(int pipelinePercent, int first, int end);
 
 } // namespace zrrender

@@ -47,9 +47,10 @@ struct Still
 static Still renderStill(int view, Session& session, Console& console)
 {
     RenderPipeline pipeline(session);
-    pipeline.setStageReporter([&](int percent, const QString& text) {
-        console.progress(percentWithin(percent, kWritePercent), text);
-    });
+    pipeline.setStageReporter(
+        [&, first = pipeline.firstPercent()](int percent, const QString& text) {
+            console.progress(percentWithin(percent, first, kWritePercent), text);
+        });
     Still still;
     pipeline.renderView(view, {}, still.image, &still.status);
     if (!pipeline.aiDepthFailure().isEmpty())

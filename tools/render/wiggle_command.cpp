@@ -35,9 +35,10 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
                             RunContext& context)
 {
     RenderPipeline pipeline(session);
-    pipeline.setStageReporter([&](int percent, const QString& text) {
-        context.console.progress(percentWithin(percent, kFramesPercent), text);
-    });
+    pipeline.setStageReporter(
+        [&, first = pipeline.firstPercent()](int percent, const QString& text) {
+            context.console.progress(percentWithin(percent, first, kFramesPercent), text);
+        });
     pipeline.cachedDepth();
     if (!pipeline.aiDepthFailure().isEmpty())
         context.console.warn(pipeline.aiDepthFailure());

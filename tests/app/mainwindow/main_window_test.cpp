@@ -129,6 +129,7 @@ TEST_F(Window, EveryViewShowsWhatThePipelineRenders)
         EXPECT_EQ(window.currentOutputMode(), view.id);
         EXPECT_EQ(shown(), expectedView(path, view.id)) << view.key;
     }
+    action("view.sbs")->trigger();
     EXPECT_TRUE(status().startsWith("Side-by-side  -  240 x 80  -  ")) << qPrintable(status());
 }
 

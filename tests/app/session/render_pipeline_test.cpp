@@ -193,10 +193,11 @@ TEST(RenderPipeline, ReportedPercentOnlyRises)
     ASSERT_TRUE(pipeline.renderView(2, {}, view, nullptr));
     ASSERT_GT(percents.size(), 4u);
     EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
-    EXPECT_EQ(percents.front(), 72);
+    EXPECT_EQ(percents.front(), pipeline.firstPercent());
     EXPECT_LE(percents.back(), 100);
     EXPECT_GT(percents.back(), 90);
-    EXPECT_EQ(texts.first(), "Building depth map...");
+    EXPECT_EQ(texts.first(), "Detecting stars...");
+    EXPECT_TRUE(texts.contains("Building depth map..."));
     EXPECT_TRUE(texts.contains("Smoothing"));
 }
 

@@ -99,9 +99,9 @@ TEST(Completion, OffersValuesWhereTheyAreKnown)
     if (!std::filesystem::exists("/bin/bash"))
         GTEST_SKIP() << "bash is not installed";
     EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--view", "s"}),
-                ElementsAreArray({"source", "sbs"}));
+                ElementsAreArray({"source", "sbs", "starless", "stars", "stars-over-starless"}));
     EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--view", "=", "s"}),
-                ElementsAreArray({"source", "sbs"}));
+                ElementsAreArray({"source", "sbs", "starless", "stars", "stars-over-starless"}));
     EXPECT_THAT(offered({"zerrith-render", "still", "a.png", "--stretch", "="}),
                 ElementsAreArray({"auto", "none"}));
     EXPECT_THAT(offered({"zerrith-render", "wiggle", "--bits", ""}), ElementsAreArray({"8", "16"}));

@@ -197,7 +197,7 @@ TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
     std::ofstream(folder / "comma.txt") << "depthGamma=1\nparallaxAmount=1,5\n";
     std::ofstream(folder / "word.txt") << "invertDepth=true\n";
     std::ofstream(folder / "bytes.txt") << "\xff\x1b=1\n";
-    std::ofstream(folder / "view.txt") << "outputMode=5\n";
+    std::ofstream(folder / "view.txt") << "outputMode=7\n";
     std::ofstream(folder / "broken.xisf") << "XISF0100";
     fs::create_directory(folder / "full");
     std::ofstream(folder / "full" / ".hidden") << "";

@@ -1,0 +1,265 @@
+#include "app/session/star_stage.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/session/erasure_change.h"
+#include "app/session/keyed.h"
+#include "app/session/star_detection.h"
+#include "engine/inference/starless_ai.h"
+#include "engine/stars/detect_stars.h"
+#include "engine/stars/star_list.h"
+#include "engine/stars/star_sprites.h"
+
+namespace {
+
+enum StarInputMode
+{
+    kStarsOfTheImage = 0,
+    kStarsOfAPair = 2
+};
+
+/// The model answers a grey picture in colour, and its planes differ a little.
+void makeGrey(zre::Image& image)
+{
+    float* grey = image.plane(0);
+    const float* green = image.plane(1);
+    const float* blue = image.plane(2);
+    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+        grey[i] = (grey[i] + green[i] + blue[i]) / 3.0f;
+    image.data.resize(image.pixelCount());
+    image.data.shrink_to_fit();
+    image.channels = 1;
+    image.colorModel = 0;
+}
+
+void addDetection(CacheKey& key, const zre::StarDetectParams& detect)
+{
+    const auto& [backgroundScale, thresholdSigma, minPeak, maxRadius, companionWipe,
+                 companionSeparation, companionProminence, splitRatio, maxFeather, maxStars,
+                 softEdges, edgeGlow, edgeSoftness] = detect;
+    for (const float value : {backgroundScale, thresholdSigma, minPeak, companionWipe,
+                              companionProminence, splitRatio, edgeGlow, edgeSoftness})
+        key.number(static_cast<double>(value));
+    for (const int value :
+         {maxRadius, companionSeparation, maxFeather, maxStars, softEdges ? 1 : 0})
+        key.number(value);
+}
+
+const char* roadTag(StarRoad road)
+{
+    switch (road) {
+    case StarRoad::Pair:
+        return "ps";
+    case StarRoad::Learned:
+        return "ai";
+    case StarRoad::Classical:
+        return "cl";
+    case StarRoad::Off:
+        break;
+    }
+    return "off";
+}
+
+} // namespace
+
+StarStage::StarStage(Session& owner, Reporter reporter)
+    : session(owner)
+    , report(std::move(reporter))
+{
+}
+
+void StarStage::clear()
+{
+    leaveStarsIn();
+    learned = zre::Image();
+    learnedStandsFor.reset();
+    learnedFailedFor.reset();
+    failure.clear();
+}
+
+StarRoad StarStage::road() const
+{
+    const zre::ZRParams& p = session.params;
+    if (!p.starSeparationEnabled)
+        return StarRoad::Off;
+    return StarRoad::Classical;
+}
+
+QString StarStage::learnedKey() const
+{
+    CacheKey key;
+    key.number(session.imageGeneration).text(QString::fromStdString(zre::StarlessAI::modelPath()));
+    return key.str();
+}
+
+/// Fields that a road does not read count as untouched, so that their change detects nothing anew.
+zre::StarDetectParams StarStage::detectParams(StarRoad road) const
+{
+    const zre::StarDetectParams untouched;
+    zre::StarDetectParams detect = zre::starDetectParams(session.params);
+    if (road == StarRoad::Classical) {
+        detect.companionWipe = untouched.companionWipe;
+        detect.splitRatio = untouched.splitRatio;
+    } else {
+        detect.backgroundScale = untouched.backgroundScale;
+        detect.maxRadius = untouched.maxRadius;
+    }
+    return detect;
+}
+
+QString StarStage::detectionKey(StarRoad road) const
+{
+    CacheKey key;
+    key.text(QStringLiteral("v%1").arg(session.imageGeneration)).text(roadTag(road));
+    if (road == StarRoad::Learned)
+        key.text(learnedKey());
+    addDetection(key, detectParams(road));
+    key.text(trueColor ? "tc1" : "tc0");
+    return key.str();
+}
+
+bool StarStage::standsFor(const QString& key) const
+{
+    return starsKey == key && starsErasures == session.params.starErasures;
+}
+
+void StarStage::nowStandsFor(const QString& key, StarRoad road)
+{
+    starsKey = key;
+    starsErasures = session.params.starErasures;
+    prepared = road;
+}
+
+/// Erasures into the background or the glow, and the texture that closes the holes of companions,
+/// change the base.
+bool StarStage::givesLightBack(const zre::StarDetectParams& detect) const
+{
+    const std::vector<zre::StarErasure>& erasures = session.params.starErasures;
+    return detect.companionWipe > 0.0f ||
+           std::any_of(erasures.begin(), erasures.end(),
+                       [](const zre::StarErasure& erasure) { return erasure.mode != 0; });
+}
+
+QString StarStage::baseKey() const
+{
+    const StarRoad taken = road();
+    const zre::StarDetectParams detect = detectParams(taken);
+    CacheKey key;
+    key.text(taken == StarRoad::Learned ? "ai1" : "ai0");
+    if (taken == StarRoad::Classical)
+        key.number(detect.thresholdSigma)
+            .number(detect.minPeak)
+            .number(detect.maxRadius)
+            .number(detect.backgroundScale);
+    key.text(taken == StarRoad::Pair ? "ps1" : "ps0");
+    if (taken == StarRoad::Learned)
+        key.text(learnedKey());
+    const bool layered = taken == StarRoad::Pair || taken == StarRoad::Learned;
+    if (layered && givesLightBack(detect))
+        key.text("kb")
+            .number(detect.thresholdSigma)
+            .number(detect.minPeak)
+            .number(detect.splitRatio)
+            .number(detect.companionWipe);
+    const bool erased = !session.params.starErasures.empty() && taken != StarRoad::Off;
+    if (erased && (taken == StarRoad::Classical || givesLightBack(detect)))
+        key.text(erasureCacheKey(session.params.starErasures));
+    return key.str();
+}
+
+const zre::Image& StarStage::working() const
+{
+    switch (base) {
+    case Base::Pair:
+        return session.starless;
+    case Base::Learned:
+        return learned;
+    case Base::Own:
+        return own;
+    case Base::Source:
+        break;
+    }
+    return session.source;
+}
+
+QString StarStage::separationFailure() const
+{
+    const bool couldLearn = session.params.aiStarSeparation && learnedFailedFor == learnedKey();
+    return couldLearn && prepared == StarRoad::Classical ? failure : QString();
+}
+
+void StarStage::prepare()
+{
+    zre::ZRParams& p = session.params;
+    if (learnedStandsFor && learnedStandsFor != learnedKey()) {
+        learned = zre::Image();
+        learnedStandsFor.reset();
+    }
+    if (!p.aiStarSeparation)
+        learnedFailedFor.reset(); // switched on again it is tried again
+    if (!p.starSeparationEnabled)
+        leaveStarsIn();
+    else
+        detectClassically();
+    p.sourceIsStarless = p.starSeparationEnabled;
+    p.starInputMode = session.hasPair() ? kStarsOfAPair : kStarsOfTheImage;
+}
+
+void StarStage::leaveStarsIn()
+{
+    starList = {};
+    starsKey.reset();
+    starsErasures.clear();
+    prepared = StarRoad::Off;
+    base = Base::Source;
+    own = zre::Image();
+}
+
+const zre::Image* StarStage::ensureAiStarless()
+{
+    const QString key = learnedKey();
+    if (!session.params.aiStarSeparation || learnedFailedFor == key ||
+        !zre::StarlessAI::available(nullptr))
+        return nullptr;
+    if (learnedStandsFor == key)
+        return &learned;
+    const QString text = QStringLiteral("Separating stars from the image");
+    const auto progress = [&](int done, int total) {
+        report(kInferencePercent + (kDetectionPercent - kInferencePercent) * done / total, text);
+    };
+    report(kInferencePercent, text);
+    std::string error;
+    if (!zre::StarlessAI::run(session.source, learned, &error, progress)) {
+        learnedFailedFor = key;
+        failure =
+            QStringLiteral("AI star separation failed: %1").arg(QString::fromStdString(error));
+        report(kDetectionPercent, failure);
+        return nullptr;
+    }
+    if (session.source.channels < 3)
+        makeGrey(learned);
+    learnedStandsFor = key;
+    return &learned;
+}
+
+void StarStage::recolor(std::vector<zre::Star>& list) const
+{
+    if (trueColor)
+        zre::recolorStarSpritesFromSource(list, session.source);
+}
+
+void StarStage::detectClassically()
+{
+    const QString key = detectionKey(StarRoad::Classical);
+    if (standsFor(key))
+        return;
+    starsKey.reset();
+    report(kDetectionPercent, QStringLiteral("Detecting stars..."));
+    ++fullDetections;
+    zre::detectStars(session.source, starList, own, detectParams(StarRoad::Classical),
+                     &session.params.starErasures);
+    recolor(starList);
+    base = Base::Own;
+    nowStandsFor(key, StarRoad::Classical);
+}
