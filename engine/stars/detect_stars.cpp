@@ -149,7 +149,7 @@ private:
 void detectStars(const Image& image, std::vector<Star>& stars, Image& starless,
                  const StarDetectParams& params, const std::vector<StarErasure>* erasures)
 {
-    static const std::vector<StarErasure> kNoErasures;
+    const std::vector<StarErasure> none;
     stars.clear();
     if (image.width < 3 || image.height < 3 || image.channels < 1) {
         starless = image;
@@ -163,7 +163,7 @@ void detectStars(const Image& image, std::vector<Star>& stars, Image& starless,
     BlobFinder finder(residual, image.width, image.height, thresholds,
                       2 * std::int64_t{params.maxRadius});
     StarMaker maker(image, background, residual, thresholds, params,
-                    erasures ? *erasures : kNoErasures);
+                    erasures ? *erasures : none);
     Blob blob;
     while (finder.next(blob))
         if (blob.bright(params.minPeak))
