@@ -115,10 +115,12 @@ private:
     float keptAt(std::size_t pixel) const
     {
         const std::size_t width = static_cast<std::size_t>(m_image.width);
+        const std::size_t x = pixel % width;
+        const std::size_t y = pixel / width;
         double remove = 0.0;
         double keepBack = 0.0;
-        m_mask.coverageAt(static_cast<double>(pixel % width), static_cast<double>(pixel / width),
-                          remove, keepBack, nullptr);
+        m_mask.coverageAt(static_cast<double>(x), static_cast<double>(y), remove, keepBack,
+                          nullptr);
         return static_cast<float>(1.0 - remove);
     }
 
@@ -162,8 +164,7 @@ void detectStars(const Image& image, std::vector<Star>& stars, Image& starless,
     const BlobThresholds thresholds(residual, static_cast<double>(params.thresholdSigma));
     BlobFinder finder(residual, image.width, image.height, thresholds,
                       2 * std::int64_t{params.maxRadius});
-    StarMaker maker(image, background, residual, thresholds, params,
-                    erasures ? *erasures : none);
+    StarMaker maker(image, background, residual, thresholds, params, erasures ? *erasures : none);
     Blob blob;
     while (finder.next(blob))
         if (blob.bright(params.minPeak))
