@@ -13,7 +13,10 @@ class DropController
 public:
     using Open = std::function<void(const QString& path)>;
 
-    DropController(ShellHost& host, Open openImage, Open openDepthMap, Open openColorProfile);
+    using OpenPair = std::function<void(const QString& stars, const QString& starless)>;
+
+    DropController(ShellHost& host, Open openImage, Open openDepthMap, Open openColorProfile,
+                   OpenPair openPair);
 
     /// What letting `urls` go does, in words; empty when nothing.
     QString offer(const QList<QUrl>& urls) const;
@@ -22,9 +25,11 @@ public:
 
 private:
     void openAsEither(const QString& path);
+    void openAsPairOrOne(const QString& path, const QString& other);
 
     ShellHost& m_host;
     Open m_openImage;
     Open m_openDepthMap;
     Open m_openColorProfile;
+    OpenPair m_openPair;
 };

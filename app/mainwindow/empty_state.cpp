@@ -1,5 +1,6 @@
 #include "app/mainwindow/empty_state.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QAction>
@@ -12,11 +13,13 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/mainwindow/recent_controller.h"
 #include "app/mainwindow/thumbnail_store.h"
 #include "app/persist/recent_files.h"
 
 static constexpr int kIconSide = 96;
-static constexpr int kTiles = 4;
+static constexpr int kTiles = 4; ///< of both kinds
+static constexpr int kPairTiles = 2;
 static constexpr QColor kFaint(0xa8, 0xa8, 0xae);
 
 static QLabel* line(const QString& text, int pointsLarger, const QColor& color)
@@ -35,7 +38,7 @@ static QLabel* line(const QString& text, int pointsLarger, const QColor& color)
 static QPushButton* buttonOf(QAction* action, const QString& text)
 {
     auto* button = new QPushButton(text);
-    button->setMinimumSize(200, 34);
+    button->setMinimumSize(240, 34);
     QObject::connect(button, &QPushButton::clicked, action, &QAction::trigger);
     return button;
 }
@@ -57,12 +60,21 @@ static QPixmap placeholder(const QString& path)
     return pixmap;
 }
 
-EmptyState::EmptyState(QAction* open, QAction* openScene,
-                       std::function<void(const QString&)> openRecent, QWidget* parent)
+EmptyState::Group EmptyState::groupTitled(const QString& title)
+{
+    Group group{new QWidget, new QHBoxLayout};
+    auto* column = new QVBoxLayout(group.box);
+    column->setContentsMargins({});
+    column->addWidget(line(title, 0, kFaint));
+    column->addLayout(group.tiles);
+    return group;
+}
+
+EmptyState::EmptyState(const Actions& actions, OpenRecent openRecent, QWidget* parent)
     : QWidget(parent)
     , m_openRecent(std::move(openRecent))
-    , m_recent(new QWidget)
-    , m_tiles(new QHBoxLayout(m_recent))
+    , m_images(groupTitled(tr("Recent images")))
+    , m_pairs(groupTitled(tr("Recent pairs")))
 {
     auto* icon = new QLabel;
     icon->setAlignment(Qt::AlignCenter);
@@ -77,44 +89,75 @@ EmptyState::EmptyState(QAction* open, QAction* openScene,
     column->addWidget(
         line(tr("Drop a file here, or choose one: XISF, FITS, TIFF, PNG, JPEG."), 0, kFaint));
     column->addSpacing(10);
-    column->addWidget(buttonOf(open, tr("Open an image...")), 0, Qt::AlignHCenter);
-    column->addWidget(buttonOf(openScene, tr("Try the built-in scene")), 0, Qt::AlignHCenter);
+    const auto addButton = [column](QAction* action, const QString& text) {
+        column->addWidget(buttonOf(action, text), 0, Qt::AlignHCenter);
+    };
+    addButton(actions.openImage, tr("Open an image..."));
+    addButton(actions.openPair, tr("Open a starless + stars pair..."));
+    addButton(actions.openScene, tr("Try the built-in scene"));
     column->addSpacing(14);
-    column->addWidget(m_recent, 0, Qt::AlignHCenter);
+    auto* recent = new QHBoxLayout;
+    recent->setSpacing(28);
+    recent->addStretch();
+    recent->addWidget(m_images.box);
+    recent->addWidget(m_pairs.box);
+    recent->addStretch();
+    column->addLayout(recent);
     column->addStretch(3);
 }
 
 void EmptyState::showEvent(QShowEvent* event)
 {
-    showRecentImages();
+    showRecent();
     QWidget::showEvent(event);
 }
 
-void EmptyState::showRecentImages()
+/// The newest entries whose files are there, at most `most`.
+static QStringList standing(appcfg::RecentCategory category, qsizetype most)
 {
-    qDeleteAll(m_recent->findChildren<QToolButton*>());
-    const QStringList paths = recent::entries(appcfg::RecentCategory::Images);
-    for (const QString& path : paths)
-        if (m_tiles->count() < kTiles && QFileInfo(path).isFile())
-            m_tiles->addWidget(tileOf(path));
-    m_recent->setVisible(m_tiles->count() > 0);
+    QStringList found;
+    for (const QString& entry : recent::entries(category)) {
+        const QStringList files = filesOfRecent(entry);
+        if (found.size() < most && std::all_of(files.begin(), files.end(), [](const QString& file) {
+                return QFileInfo(file).isFile();
+            }))
+            found << entry;
+    }
+    return found;
 }
 
-QToolButton* EmptyState::tileOf(const QString& path)
+void EmptyState::showRecent()
 {
-    const QImage picture = ThumbnailStore().find(path);
-    const QString name = QFileInfo(path).fileName();
+    const QStringList pairs = standing(appcfg::RecentCategory::Pairs, kPairTiles);
+    fill(m_pairs, pairs, m_openRecent.pair);
+    fill(m_images, standing(appcfg::RecentCategory::Images, kTiles - pairs.size()),
+         m_openRecent.image);
+}
+
+void EmptyState::fill(const Group& group, const QStringList& entries, const Open& open)
+{
+    qDeleteAll(group.box->findChildren<QToolButton*>());
+    for (const QString& entry : entries)
+        group.tiles->addWidget(tileOf(entry, open));
+    group.box->setVisible(!entries.isEmpty());
+}
+
+QToolButton* EmptyState::tileOf(const QString& entry, const Open& open)
+{
+    const QStringList files = filesOfRecent(entry);
+    const QImage picture = ThumbnailStore().find(files.front());
+    const QString name = recentLabels({entry}).front();
     auto* tile = new QToolButton;
     tile->setAutoRaise(true);
     tile->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     tile->setIconSize({ThumbnailStore::kWidth, ThumbnailStore::kHeight});
-    tile->setIcon(picture.isNull() ? placeholder(path) : pictureOf(picture));
-    tile->setText(fontMetrics().elidedText(name, Qt::ElideMiddle, ThumbnailStore::kWidth));
-    tile->setToolTip(QDir::toNativeSeparators(path));
+    tile->setIcon(picture.isNull() ? placeholder(files.front()) : pictureOf(picture));
+    tile->setText(
+        fontMetrics().elidedText(name, Qt::ElideMiddle, ThumbnailStore::kWidth).replace('&', "&&"));
+    tile->setToolTip(QDir::toNativeSeparators(files.join('\n')));
     tile->setAccessibleName(tr("Open %1").arg(name));
     // Later than the click: opening hides and may rebuild the tiles.
     connect(
-        tile, &QToolButton::clicked, this, [this, path] { m_openRecent(path); },
-        Qt::QueuedConnection);
+        tile, &QToolButton::clicked, this, [open, entry] { open(entry); }, Qt::QueuedConnection);
     return tile;
 }

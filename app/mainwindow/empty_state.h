@@ -9,21 +9,43 @@ class QHBoxLayout;
 class QToolButton;
 
 /// What stands in the preview before an image is open: how to begin, buttons that do so, and the
-/// images opened last.
+/// images and pairs opened last.
 class EmptyState final : public QWidget
 {
 public:
-    EmptyState(QAction* open, QAction* openScene,
-               std::function<void(const QString& path)> openRecent, QWidget* parent = nullptr);
+    struct Actions
+    {
+        QAction* openImage;
+        QAction* openPair;
+        QAction* openScene;
+    };
+    /// Opens an entry of the list of recent files.
+    using Open = std::function<void(const QString& entry)>;
+    struct OpenRecent
+    {
+        Open image;
+        Open pair;
+    };
+
+    EmptyState(const Actions& actions, OpenRecent openRecent, QWidget* parent = nullptr);
 
 protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void showRecentImages();
-    QToolButton* tileOf(const QString& path);
+    /// A caption above tiles in a row.
+    struct Group
+    {
+        QWidget* box; ///< hidden while there are no tiles
+        QHBoxLayout* tiles;
+    };
 
-    std::function<void(const QString&)> m_openRecent;
-    QWidget* m_recent;    ///< a child, hidden while there are none
-    QHBoxLayout* m_tiles; ///< of `m_recent`
+    static Group groupTitled(const QString& title);
+    void showRecent();
+    void fill(const Group& group, const QStringList& entries, const Open& open);
+    QToolButton* tileOf(const QString& entry, const Open& open);
+
+    OpenRecent m_openRecent;
+    Group m_images;
+    Group m_pairs;
 };

@@ -6,6 +6,7 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSplitter>
@@ -46,10 +47,12 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_params(*this, [this] { onParamsChanged(); })
     , m_colorPick(*this, *m_preview,
                   [this](int row, const QColor& color) { m_params.setPickedColor(row, color); })
-    , m_recent(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
-               opener(&MainWindow::loadColorProfileFile))
-    , m_drops(*this, opener(&MainWindow::loadImageFromPath), opener(&MainWindow::loadDepthMapFile),
-              opener(&MainWindow::loadColorProfileFile))
+    , m_recent(*this, opener(&MainWindow::loadImageFromPath), pairOpener(),
+               opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile))
+    , m_drops(
+          *this, [this](const QString& path) { m_documents.openWithPartner(path); },
+          opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
+          pairOpener())
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
     , m_preferences(
           *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
@@ -69,9 +72,12 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     addToolBar(m_toolbar);
     connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
             &MainWindow::applyIconColors);
-    m_preview->setEmptyState(new EmptyState(
-        findChild<QAction*>("openImage"), findChild<QAction*>("openBuiltInScene"),
-        [this](const QString& path) { openRecentFile(path); }, m_preview));
+    m_preview->setEmptyState(
+        new EmptyState({findChild<QAction*>("openImage"), findChild<QAction*>("openPair"),
+                        findChild<QAction*>("openBuiltInScene")},
+                       {[this](const QString& path) { openRecentFile(path); },
+                        [this](const QString& entry) { openRecentPair(entry); }},
+                       m_preview));
     buildControlPanel();
     setWindowTitle(windowTitleFor(m_session));
     resize(1280, 800);
@@ -87,6 +93,13 @@ std::function<void(const QString&)> MainWindow::opener(bool (MainWindow::*open)(
     return [this, open](const QString& path) { (this->*open)(path); };
 }
 
+std::function<void(const QString&, const QString&)> MainWindow::pairOpener()
+{
+    return [this](const QString& stars, const QString& starless) {
+        loadStarlessStarsPair(stars, starless);
+    };
+}
+
 void MainWindow::buildMenus()
 {
     using Key = QKeySequence;
@@ -99,6 +112,8 @@ void MainWindow::buildMenus()
                   &MainWindow::newDocument},
         ActionRow{kFile, "openImage", "&Open Image...", Key::Open, "Ctrl+O", Gate::Always,
                   &MainWindow::openImage},
+        ActionRow{kFile, "openPair", "Open Starless + &Stars Pair...", Key::UnknownKey,
+                  "Ctrl+Shift+O", Gate::Always, &MainWindow::openPair},
         ActionRow{kFile, "openBuiltInScene", "Open &Built-in Scene", Key::UnknownKey, "",
                   Gate::Always, &MainWindow::openBuiltInScene},
         ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
@@ -163,6 +178,9 @@ void MainWindow::buildControlPanel()
     m_splitter->setSizes({kPanelWidth, width() - kPanelWidth});
     m_splitter->restoreState(appcfg::splitterState());
     setCentralWidget(m_splitter);
+    m_preview->takeDropsOf(*this);
+    for (QLineEdit* field : panel.findChildren<QLineEdit*>())
+        field->setAcceptDrops(false); // it would take a file's name for text
     connect(&panel, &ControlPanel::viewDepthMapRequested, this, &MainWindow::viewDepthMap);
     connect(&panel, &ControlPanel::loadDepthMapRequested, this, &MainWindow::loadDepthMap);
     connect(&panel, &ControlPanel::clearDepthMapRequested, this, &MainWindow::clearDepthMap);

@@ -49,6 +49,20 @@ public:
     void newDocument() { m_documents.newDocument(); }
     bool loadImageFromPath(const QString& path) { return m_documents.loadImageFromPath(path); }
     void openProjectFromCommandLine(const QString& path);
+    bool loadStarlessStarsPair(const QString& stars, const QString& starless)
+    {
+        return m_documents.loadStarlessStarsPair(stars, starless);
+    }
+    void addRecentFile(const QString& path) { m_documents.addRecentFile(path); }
+    void addRecentPair(const QString& stars, const QString& starless)
+    {
+        m_documents.addRecentPair(stars, starless);
+    }
+    bool confirmPairReplace() { return m_documents.confirmPairReplace(); }
+    bool confirmPairResize(int width, int height)
+    {
+        return m_documents.confirmPairResize(width, height);
+    }
     void openBuiltInScene() { m_documents.openBuiltInScene(); }
     int askCarrySession(int width, int height)
     {
@@ -64,6 +78,7 @@ public:
         return m_colorProfiles.loadColorProfileFile(path);
     }
     void openRecentFile(const QString& path) { m_recent.openRecentFile(path); }
+    void openRecentPair(const QString& entry) { m_recent.openRecentPair(entry); }
     void openRecentDepthMap(const QString& path) { m_recent.openRecentDepthMap(path); }
     void saveImage() { m_stills.saveImage(); }
     /// What the user is told once the window is up.
@@ -109,6 +124,7 @@ private:
     void documentChanged(const zre::ZRParams& params, const QString& label) override;
 
     std::function<void(const QString&)> opener(bool (MainWindow::*open)(const QString&));
+    std::function<void(const QString&, const QString&)> pairOpener();
     void buildMenus();
     void buildControlPanel();
     void addHistoryActions(QMenu& menu);
@@ -122,6 +138,7 @@ private:
 
     void buildRecentMenu();
     void openImage() { m_documents.openImage(); }
+    void openPair() { m_documents.openPair(); }
     void loadDepthMap() { m_depthMaps.loadDepthMap(); }
     void viewDepthMap() { m_depthMaps.viewDepthMap(); }
     void clearDepthMap() { m_depthMaps.clearDepthMap(); }

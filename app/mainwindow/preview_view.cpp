@@ -462,6 +462,29 @@ QString PreviewView::offerFor(const QMimeData* files) const
     return m_dropOffer && files->hasUrls() ? m_dropOffer(files->urls()) : QString();
 }
 
+void PreviewView::takeDropsOf(QWidget& window)
+{
+    window.setAcceptDrops(true);
+    window.installEventFilter(this);
+}
+
+bool PreviewView::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+        dragEnterEvent(static_cast<QDragEnterEvent*>(event));
+        return true;
+    case QEvent::DragLeave:
+        dragLeaveEvent(static_cast<QDragLeaveEvent*>(event));
+        return true;
+    case QEvent::Drop:
+        dropEvent(static_cast<QDropEvent*>(event));
+        return true;
+    default:
+        return QWidget::eventFilter(watched, event);
+    }
+}
+
 void PreviewView::dragEnterEvent(QDragEnterEvent* event)
 {
     setDropText(offerFor(event->mimeData()));

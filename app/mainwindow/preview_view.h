@@ -38,6 +38,8 @@ public:
     void setSplit(bool on);
     /// `offer` tells what dropping files does, in words; an empty text refuses them.
     void setDropOffer(std::function<QString(const QList<QUrl>&)> offer);
+    /// Files let go anywhere over `window` are taken as if over this view.
+    void takeDropsOf(QWidget& window);
     /// What fills the view until a picture comes; the view takes ownership.
     void setEmptyState(QWidget* widget);
 
@@ -86,6 +88,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;

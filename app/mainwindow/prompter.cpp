@@ -57,6 +57,19 @@ bool DesktopPrompter::remind(const QString& title, const QString& text, const QS
     return off->isChecked();
 }
 
+std::optional<bool> DesktopPrompter::confirm(const QString& title, const QString& text,
+                                             const QString& accept, const QString& offer)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Cancel, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton* accepted = box.addButton(accept, QMessageBox::AcceptRole);
+    box.setDefaultButton(accepted);
+    auto* off = new QCheckBox(offer, &box);
+    box.setCheckBox(off);
+    box.exec();
+    return box.clickedButton() == accepted ? std::optional(off->isChecked()) : std::nullopt;
+}
+
 void DesktopPrompter::warn(const QString& title, const QString& text)
 {
     // Plain text: the message may quote a file name with markup in it.

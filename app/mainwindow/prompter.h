@@ -30,6 +30,10 @@ public:
     /// A warning that the user can switch off for good, by a box labelled `offer`: whether it was.
     virtual bool remind(const QString& title, const QString& text, const QString& details,
                         const QString& offer) = 0;
+    /// A question of one button, `accept`, and one to cancel, with a box labelled `offer` that
+    /// ends the question for good: whether it was ticked. Nothing when the user cancels.
+    virtual std::optional<bool> confirm(const QString& title, const QString& text,
+                                        const QString& accept, const QString& offer) = 0;
     virtual void warn(const QString& title, const QString& text) = 0;
     /// A box of information; `richText` may hold simple HTML.
     virtual void tell(const QString& title, const QString& richText) = 0;
@@ -56,6 +60,8 @@ public:
     QColor chooseColor(const QString& title, const QColor& current) override;
     bool remind(const QString& title, const QString& text, const QString& details,
                 const QString& offer) override;
+    std::optional<bool> confirm(const QString& title, const QString& text, const QString& accept,
+                                const QString& offer) override;
     void warn(const QString& title, const QString& text) override;
     void tell(const QString& title, const QString& richText) override;
     std::optional<int> choose(const QString& title, const QString& text,

@@ -1,5 +1,6 @@
 #include "app/mainwindow/recent_controller.h"
 
+#include <optional>
 #include <utility>
 
 #include <QDir>
@@ -13,24 +14,52 @@
 
 using appcfg::RecentCategory;
 
-QStringList recentLabels(const QStringList& paths)
+QStringList filesOfRecent(const QString& entry)
+{
+    const std::optional<recent::Pair> pair =
+        QFileInfo(entry).isFile() ? std::nullopt : recent::splitPair(entry);
+    return pair ? QStringList{pair->starless, pair->stars} : QStringList(entry);
+}
+
+static QString nameOf(const QString& entry)
+{
+    constexpr qsizetype kLongest = 60;
+    constexpr qsizetype kEnd = 24;
+    QStringList names;
+    const QStringList files = filesOfRecent(entry);
+    for (const QString& file : files) {
+        QString name = QFileInfo(file).fileName();
+        if (name.size() > kLongest)
+            name = name.left(kLongest - kEnd - 1) + QChar(0x2026) + name.right(kEnd);
+        names << name;
+    }
+    return names.join(" + ");
+}
+
+QStringList recentLabels(const QStringList& entries)
 {
     QStringList names;
-    for (const QString& path : paths)
-        names << QFileInfo(path).fileName();
+    for (const QString& entry : entries)
+        names << nameOf(entry);
     QStringList labels;
-    for (qsizetype i = 0; i < paths.size(); ++i)
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const QString folder = QFileInfo(filesOfRecent(entries[i]).front()).path();
         labels << (names.count(names[i]) == 1
                        ? names[i]
-                       : QString("%1  (%2)")
-                             .arg(names[i], QDir::toNativeSeparators(QFileInfo(paths[i]).path())));
+                       : QString("%1  (%2)").arg(names[i], QDir::toNativeSeparators(folder)));
+    }
     return labels;
 }
 
-RecentController::RecentController(ShellHost& host, Open openImage, Open openDepthMap,
-                                   Open openColorProfile)
+RecentController::RecentController(ShellHost& host, Open openImage, OpenPair openPair,
+                                   Open openDepthMap, Open openColorProfile)
     : m_host(host)
     , m_kinds{Kind{RecentCategory::Images, "&Images", false, std::move(openImage)},
+              Kind{RecentCategory::Pairs, "Starless + Stars &Pairs", false,
+                   [open = std::move(openPair)](const QString& entry) {
+                       if (const std::optional<recent::Pair> pair = recent::splitPair(entry))
+                           open(pair->stars, pair->starless);
+                   }},
               Kind{RecentCategory::DepthMaps, "&Depth Maps", true, std::move(openDepthMap)},
               Kind{RecentCategory::ColorDepth, "&Color Depth Profiles", true,
                    std::move(openColorProfile)}}
@@ -57,33 +86,35 @@ void RecentController::buildRecentMenu(QMenu& menu)
 
 void RecentController::addKind(QMenu& menu, const Kind& kind)
 {
-    const QStringList paths = recent::entries(kind.category);
-    if (paths.isEmpty())
+    const QStringList entries = recent::entries(kind.category);
+    if (entries.isEmpty())
         return;
-    const QStringList labels = recentLabels(paths);
+    const QStringList labels = recentLabels(entries);
     QMenu* list = menu.addMenu(kind.title);
     list->setToolTipsVisible(true);
     list->setEnabled(!kind.needsImage || m_host.session().hasSource());
-    for (qsizetype i = 0; i < paths.size(); ++i) {
-        const QString& path = paths[i];
-        QAction* entry = list->addAction(QString(labels[i]).replace('&', "&&"),
-                                         [this, &kind, path] { open(kind, path); });
-        entry->setToolTip(QDir::toNativeSeparators(path));
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        QAction* action = list->addAction(QString(labels[i]).replace('&', "&&"),
+                                          [this, &kind, entry = entries[i]] { open(kind, entry); });
+        action->setToolTip(QDir::toNativeSeparators(filesOfRecent(entries[i]).join('\n')));
     }
 }
 
-void RecentController::open(const Kind& kind, const QString& path)
+void RecentController::open(const Kind& kind, const QString& entry)
 {
-    if (QFileInfo::exists(path)) {
-        kind.open(path);
+    QStringList gone;
+    for (const QString& file : filesOfRecent(entry))
+        if (!QFileInfo::exists(file))
+            gone << QDir::toNativeSeparators(file);
+    if (gone.isEmpty()) {
+        kind.open(entry);
         return;
     }
-    const bool forget =
-        m_host.prompter()
-            .choose("Open Recent",
-                    "This file is no longer there:\n" + QDir::toNativeSeparators(path),
-                    {"Remove from list"})
-            .has_value();
+    const QString said =
+        gone.size() == 1 ? "This file is no longer there:\n" : "These files are no longer there:\n";
+    const bool forget = m_host.prompter()
+                            .choose("Open Recent", said + gone.join('\n'), {"Remove from list"})
+                            .has_value();
     if (forget)
-        recent::forget(kind.category, path);
+        recent::forget(kind.category, entry);
 }

@@ -15,6 +15,7 @@ class RecentController
 {
 public:
     using Open = std::function<void(const QString& path)>;
+    using OpenPair = std::function<void(const QString& stars, const QString& starless)>;
 
     /// A list that can be opened from so far.
     struct Kind
@@ -22,25 +23,32 @@ public:
         appcfg::RecentCategory category;
         const char* title;
         bool needsImage;
-        Open open;
+        Open open; ///< takes an entry of the list
     };
 
     /// Files the list of old versions into the categories.
-    RecentController(ShellHost& host, Open openImage, Open openDepthMap, Open openColorProfile);
+    RecentController(ShellHost& host, Open openImage, OpenPair openPair, Open openDepthMap,
+                     Open openColorProfile);
 
     /// Fills `menu` anew from the lists.
     void buildRecentMenu(QMenu& menu);
     void openRecentFile(const QString& path) { open(m_kinds[0], path); }
-    void openRecentDepthMap(const QString& path) { open(m_kinds[1], path); }
+    /// `entry` is one of the pairs' list.
+    void openRecentPair(const QString& entry) { open(m_kinds[1], entry); }
+    void openRecentDepthMap(const QString& path) { open(m_kinds[2], path); }
 
 private:
     /// Opens an entry; one whose file is gone is told of and can be taken off the list.
-    void open(const Kind& kind, const QString& path);
+    void open(const Kind& kind, const QString& entry);
     void addKind(QMenu& menu, const Kind& kind);
 
     ShellHost& m_host;
-    std::array<Kind, 3> m_kinds;
+    std::array<Kind, 4> m_kinds;
 };
 
-/// What a menu calls each of `paths`: its file name, with the folder where two names are the same.
-QStringList recentLabels(const QStringList& paths);
+/// What a menu calls each of `entries`, which are paths or pairs: its file name or names, shortened
+/// in the middle when long, with the folder where two names are the same.
+QStringList recentLabels(const QStringList& entries);
+
+/// The files of an entry: those of a pair, the starless image first, or the one.
+QStringList filesOfRecent(const QString& entry);

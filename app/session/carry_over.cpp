@@ -27,20 +27,40 @@ bool sameProportions(QSize oldSize, QSize newSize)
     return std::abs(newAspect - oldAspect) <= kLargestAspectChange * oldAspect;
 }
 
-QString carryOverQuestion(QSize oldSize, QSize newSize, const QStringList& items)
+static QString bulleted(const QString& heading, const QStringList& items)
 {
-    const double scale = double(newSize.width()) / oldSize.width();
-    QString text = QString("The new images are %1 x %2 px, the same proportions as the current "
-                           "%3 x %4 px at %5x the scale.")
-                       .arg(newSize.width())
-                       .arg(newSize.height())
-                       .arg(oldSize.width())
-                       .arg(oldSize.height())
-                       .arg(QString::number(scale, 'g', 3));
-    text += "\n\nThis can be carried over:";
+    QString text = "\n\n" + heading;
     for (const QString& item : items)
         text += "\n    - " + item;
     return text;
+}
+
+QString carryOverQuestion(QSize oldSize, QSize newSize, const QStringList& items)
+{
+    const double scale = double(newSize.width()) / oldSize.width();
+    const QString text =
+        QString("The new images are %1 x %2 px, the same proportions as the current "
+                "%3 x %4 px at %5x the scale.")
+            .arg(newSize.width())
+            .arg(newSize.height())
+            .arg(oldSize.width())
+            .arg(oldSize.height())
+            .arg(QString::number(scale, 'g', 3));
+    return text + bulleted("This can be carried over:", items);
+}
+
+QString lossQuestion(QSize oldSize, QSize newSize, const QStringList& items)
+{
+    QStringList lost;
+    for (const QString& item : items)
+        lost << item.section(", re", 0, 0); // without how it would have been brought along
+    return QString("The new images are %1 x %2 px, of other proportions than the current %3 x %4 "
+                   "px.")
+               .arg(newSize.width())
+               .arg(newSize.height())
+               .arg(oldSize.width())
+               .arg(oldSize.height()) +
+           bulleted("This is lost:", lost);
 }
 
 /// A side of the flight's frame; 0 means the image's own and stays.

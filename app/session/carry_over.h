@@ -15,6 +15,9 @@ bool sameProportions(QSize oldSize, QSize newSize);
 /// The question whether `items` are carried over to an image of `newSize`.
 QString carryOverQuestion(QSize oldSize, QSize newSize, const QStringList& items);
 
+/// The question whether `items` are given up for an image of `newSize`, of other proportions.
+QString lossQuestion(QSize oldSize, QSize newSize, const QStringList& items);
+
 /// Brings all that lies in the pixels of an image of `oldSize` to `newSize`; nothing when a size is
 /// not positive.
 void rescaleSession(Session& session, QSize oldSize, QSize newSize);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QImage>
 #include <QString>
 
@@ -19,9 +21,11 @@ bool openSource(const QString& path, StretchMode stretch, Session& session, QIma
 /// become s(starless + stars) - s(starless), so that the sum is the stretched whole picture. The
 /// solution comes from either file, the starless one first.
 /// Errors: false, and everything as it was, with "Starless image:\n" or "Stars only image:\n" and
-/// the decoder's message, or that the sizes differ.
+/// the decoder's message, or that the sizes differ. `stage` hears of each step before it is taken:
+/// the fraction of the work that is done and a text for the user.
+using PairStage = std::function<void(double fraction, const QString& text)>;
 bool openPair(const QString& starsPath, const QString& starlessPath, StretchMode stretch,
-              Session& session, QImage* preview, QString* error);
+              Session& session, QImage* preview, QString* error, const PairStage& stage = {});
 
 /// Decodes `path` and makes it the session's external depth map, of one channel, never stretched.
 /// Errors as `openSource`. Parameters stay: whether the map counts is theirs to say.

@@ -64,18 +64,23 @@ QString sizeMismatch(const zre::Image& stars, const zre::Image& starless)
 } // namespace
 
 bool openPair(const QString& starsPath, const QString& starlessPath, StretchMode stretch,
-              Session& session, QImage* preview, QString* error)
+              Session& session, QImage* preview, QString* error, const PairStage& stage)
 {
+    const PairStage tell = stage ? stage : [](double, const QString&) {};
     Decoded starless;
     Decoded stars;
-    if (!decodeLayer(starlessPath, "Starless image", starless, error) ||
-        !decodeLayer(starsPath, "Stars only image", stars, error))
+    tell(0.0, "Loading starless image...");
+    if (!decodeLayer(starlessPath, "Starless image", starless, error))
+        return false;
+    tell(0.4, "Loading stars image...");
+    if (!decodeLayer(starsPath, "Stars only image", stars, error))
         return false;
     if (!stars.image.sameSize(starless.image)) {
         if (error)
             *error = sizeMismatch(stars.image, starless.image);
         return false;
     }
+    tell(0.8, "Compositing...");
     if (stretch == StretchMode::Auto && starless.file.info.linear)
         stretchAlike(starless, stars);
     zre::Wcs& solution = starless.solution.valid ? starless.solution : stars.solution;

@@ -43,6 +43,9 @@ struct Session
     /// tells of the starless one. Raises `generation`.
     void installPair(QString pathOfStars, QString pathOfStarless, zre::Image stars,
                      zre::Image starlessImage, zre::Wcs solution, DecodedFile file);
+    /// Replaces the images of the document, one or a pair, by those of `loaded`, which was just
+    /// opened; the depth map and the parameters stay. Raises `generation`.
+    void installImagesOf(Session loaded);
     /// Replaces the external depth map; an image that is not usable removes it.
     void installExternalDepth(QString path, zre::Image image);
 };

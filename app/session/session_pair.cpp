@@ -13,3 +13,13 @@ void Session::installPair(QString pathOfStars, QString pathOfStarless, zre::Imag
     starsLayer = std::move(stars);
     starless = std::move(starlessImage);
 }
+
+void Session::installImagesOf(Session loaded)
+{
+    installSource(std::move(loaded.sourcePath), std::move(loaded.source), std::move(loaded.wcs),
+                  std::move(loaded.sourceFile));
+    starsPath = std::move(loaded.starsPath);
+    starlessPath = std::move(loaded.starlessPath);
+    starsLayer = std::move(loaded.starsLayer);
+    starless = std::move(loaded.starless);
+}

@@ -19,7 +19,11 @@ struct Drops : testing::Test
 {
     FakeHost host;
     QStringList opened;
-    DropController drops{host, opener("image"), opener("depth"), opener("profile")};
+    DropController drops{host, opener("image"), opener("depth"), opener("profile"),
+                         [this](const QString& stars, const QString& starless) {
+                             opened << "pair " + stars.section("/", -1) + " " +
+                                           starless.section("/", -1);
+                         }};
 
     DropController::Open opener(const char* kind)
     {
@@ -73,6 +77,30 @@ TEST_F(Drops, TheFirstUsableFileIsTakenAndTheOfferNamesIt)
     EXPECT_TRUE(drops.offer({touched("notes.txt")}).isEmpty());
     drops.take({touched("notes.txt")});
     EXPECT_EQ(opened.size(), 1);
+}
+
+TEST_F(Drops, TwoLayersByTheirNamesOpenAsAPairAmongOtherFiles)
+{
+    const QList<QUrl> urls{touched("whole.png"), touched("m8_stars.png"),
+                           touched("M8-starless.tif")};
+    EXPECT_EQ(drops.offer(urls), "Open M8-starless.tif with its stars, m8_stars.png");
+    drops.take(urls);
+    EXPECT_EQ(opened, QStringList("pair m8_stars.png M8-starless.tif"));
+    EXPECT_TRUE(host.script.questions.isEmpty());
+}
+
+TEST_F(Drops, TwoImagesOfNoTellingNamesAreAskedAbout)
+{
+    const QList<QUrl> urls{touched("left.png"), touched("right & wrong.png")};
+    EXPECT_TRUE(drops.offer(urls).contains("left.png and right & wrong.png"));
+    host.script.choices = {0, 1, 2};
+    for (int i = 0; i < 4; ++i)
+        drops.take(urls);
+    EXPECT_EQ(opened, QStringList({"pair right & wrong.png left.png",
+                                   "pair left.png right & wrong.png", "image left.png"}));
+    drops.take({touched("left.png"), touched("left_depth.png")}); // no layer of stars
+    EXPECT_EQ(opened.back(), "image left.png");
+    EXPECT_EQ(host.script.questions.size(), 4);
 }
 
 TEST_F(Drops, AnUnclearNameIsAskedAboutAndCancelOpensNothing)

@@ -1,5 +1,6 @@
 #include "app/mainwindow/recent_controller.h"
 
+#include <QFile>
 #include <QMenu>
 
 #include <gtest/gtest.h>
@@ -24,7 +25,11 @@ struct RecentMenu : testing::Test
     PrivateSettings own;
     FakeHost host;
     QStringList opened;
-    RecentController recents{host, opener("image "), opener("depth "), opener("profile ")};
+    RecentController recents{host, opener("image "),
+                             [this](const QString& stars, const QString& starless) {
+                                 opened << "pair " + stars + " " + starless;
+                             },
+                             opener("depth "), opener("profile ")};
     QMenu menu;
 
     RecentController::Open opener(const QString& kind)
@@ -58,6 +63,25 @@ TEST_F(RecentMenu, EveryListOpensThroughItsOwnDoor)
     EXPECT_EQ(opened, QStringList({"image " + image, "depth " + map}));
 }
 
+TEST_F(RecentMenu, PairsOpenWithBothFilesAndAreGoneWithEitherOne)
+{
+    const QString stars = touched("p | q stars.png");
+    const QString starless = touched("p starless.png");
+    recent::pushPair({stars, starless});
+    ASSERT_NE(list("Starless + Stars Pairs"), nullptr);
+    QAction* entry = list("Starless + Stars Pairs")->actions().value(0);
+    EXPECT_EQ(entry->text(), "p starless.png + p | q stars.png");
+    entry->trigger();
+    EXPECT_EQ(opened, QStringList("pair " + stars + " " + starless));
+
+    QFile::remove(stars);
+    host.script.choices = {0};
+    list("Starless + Stars Pairs")->actions().value(0)->trigger();
+    EXPECT_EQ(opened.size(), 1);
+    EXPECT_TRUE(host.script.questions.back().contains("no longer there:\n" + stars + "|"));
+    EXPECT_TRUE(recent::entries(RecentCategory::Pairs).isEmpty());
+}
+
 TEST_F(RecentMenu, AFileThatIsGoneStaysInTheListUnlessTheUserDropsIt)
 {
     recent::pushFile(RecentCategory::Images, "/gone/away.png");
@@ -84,4 +108,7 @@ TEST(RecentLabels, FoldersAppearOnlyWhereNamesAreTheSame)
 {
     EXPECT_EQ(recentLabels({"/a/x.png", "/b/y.png", "/b/x.png"}),
               QStringList({"x.png  (/a)", "y.png", "x.png  (/b)"}));
+    const QString label = recentLabels({"/a/" + QString(200, 'n') + "_stars.png"}).front();
+    EXPECT_EQ(label.size(), 60);
+    EXPECT_TRUE(label.endsWith("_stars.png"));
 }

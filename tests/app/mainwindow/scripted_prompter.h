@@ -52,6 +52,13 @@ public:
     {
         return !answer(title, text + "|" + details, offer).isEmpty();
     }
+    /// As a question of one button; the answer 1 ticks the offer too.
+    std::optional<bool> confirm(const QString& title, const QString& text, const QString& accept,
+                                const QString& offer) override
+    {
+        const std::optional<int> answer = choose(title, text, {accept, offer});
+        return answer ? std::optional(*answer == 1) : std::nullopt;
+    }
     void warn(const QString& title, const QString& text) override
     {
         m_script.warned << title + "|" + text;
