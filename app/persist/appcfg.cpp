@@ -319,6 +319,16 @@ void setWindowGeometry(const QByteArray& geometry)
     write(kSettings.windowGeometry, geometry);
 }
 
+QByteArray starTableGeometry()
+{
+    return read(kSettings.starTableGeometry);
+}
+
+void setStarTableGeometry(const QByteArray& geometry)
+{
+    write(kSettings.starTableGeometry, geometry);
+}
+
 int lastTab()
 {
     return read(kSettings.lastTab);

@@ -100,6 +100,9 @@ QByteArray splitterState();
 void setSplitterState(const QByteArray& state);
 QByteArray windowGeometry();
 void setWindowGeometry(const QByteArray& geometry);
+/// Of the star table.
+QByteArray starTableGeometry();
+void setStarTableGeometry(const QByteArray& geometry);
 int lastTab();
 void setLastTab(int index);
 

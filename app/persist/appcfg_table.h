@@ -133,6 +133,7 @@ struct Settings
         flag("ui/toolbar/flyby", true),  flag("ui/toolbar/tools", true)};
     Setting<QByteArray> splitterState = bytes("ui/splitterState");
     Setting<QByteArray> windowGeometry = bytes("ui/windowGeometry");
+    Setting<QByteArray> starTableGeometry = bytes("ui/starTableGeometry");
     Setting<int> lastTab = whole("ui/lastTab", 0, 0, 15);
 
     Setting<int> exportFormat = whole("export/format", 0, 0, 1);

@@ -7,10 +7,10 @@
 
 #include <QByteArray>
 
-std::optional<SkyPlace> starSkyPlace(const zre::Star& star, const zre::Wcs& wcs)
+std::optional<SkyPlace> starSkyPlace(double x, double y, const zre::Wcs& wcs)
 {
     SkyPlace place;
-    if (!wcs.valid || !wcs.imageToCelestial(star.x, star.y, place.ra, place.dec))
+    if (!wcs.valid || !wcs.imageToCelestial(x, y, place.ra, place.dec))
         return std::nullopt;
     return place;
 }
@@ -84,7 +84,7 @@ static void appendStar(QByteArray& out, std::size_t index, const zre::Star& star
         line.exact(star.distancePc);
     else
         line.skip();
-    if (const auto place = starSkyPlace(star, wcs)) {
+    if (const auto place = starSkyPlace(star.x, star.y, wcs)) {
         line.fixed(place->ra, kDegreeDecimals);
         line.fixed(place->dec, kDegreeDecimals);
     } else {

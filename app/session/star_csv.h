@@ -15,9 +15,9 @@ struct SkyPlace
     double dec = 0.0;
 };
 
-/// Where a star stands on the sky; nothing without a solution. Its place goes through the solution
-/// as it is, as everywhere that stars meet the sky.
-std::optional<SkyPlace> starSkyPlace(const zre::Star& star, const zre::Wcs& wcs);
+/// Where a star at a place of the image stands on the sky; nothing without a solution. The place
+/// goes through the solution as it is, as everywhere that stars meet the sky.
+std::optional<SkyPlace> starSkyPlace(double x, double y, const zre::Wcs& wcs);
 
 /// The stars as comma-separated values, a header line and one line a star, in the list's order.
 ///
