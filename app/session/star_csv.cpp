@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include <QByteArray>
+#include <QSaveFile>
 
 std::optional<SkyPlace> starSkyPlace(double x, double y, const zre::Wcs& wcs)
 {
@@ -94,10 +95,27 @@ static void appendStar(QByteArray& out, std::size_t index, const zre::Star& star
     line.end();
 }
 
-QString starsCsv(const std::vector<zre::Star>& stars, const zre::Wcs& wcs)
+static QByteArray csvBytes(const std::vector<zre::Star>& stars, const zre::Wcs& wcs)
 {
     QByteArray out("index,x,y,peak,depth,width,height,distance_pc,ra_deg,dec_deg\n");
     for (std::size_t i = 0; i < stars.size(); ++i)
         appendStar(out, i, stars[i], wcs);
-    return QString::fromLatin1(out);
+    return out;
+}
+
+QString starsCsv(const std::vector<zre::Star>& stars, const zre::Wcs& wcs)
+{
+    return QString::fromLatin1(csvBytes(stars, wcs));
+}
+
+bool saveStarsCsv(const QString& path, const std::vector<zre::Star>& stars, const zre::Wcs& wcs,
+                  QString* error)
+{
+    QSaveFile file(path);
+    const QByteArray bytes = csvBytes(stars, wcs);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    if (!written && error)
+        *error = "Cannot write: " + path;
+    return written;
 }

@@ -26,3 +26,7 @@ std::optional<SkyPlace> starSkyPlace(double x, double y, const zre::Wcs& wcs);
 ///          distance that is 0, a sky place without a solution.
 /// Numbers have a decimal point under any locale.
 QString starsCsv(const std::vector<zre::Star>& stars, const zre::Wcs& wcs);
+/// Writes `starsCsv` to a file, whole or not at all. Errors: false, with `error` (may be null)
+/// naming the file.
+bool saveStarsCsv(const QString& path, const std::vector<zre::Star>& stars, const zre::Wcs& wcs,
+                  QString* error);
