@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 
+#include "engine/stars/sprite_blend.h"
 #include "engine/stars/sprite_shape.h"
 #include "engine/stars/star_sprites.h"
 
@@ -66,54 +68,56 @@ struct Axis
     double center;  ///< in the box
     int boxSide;    ///< pixels of the sprite
     int frameSide;  ///< pixels of the frame
-    double begin() const { return std::floor(landing - scale * center); }
-    double end() const { return std::ceil(landing + scale * (boxSide - center)); }
-    bool misses() const { return !(end() >= 0.0) || !(begin() < frameSide); }
-};
 
-/// The sprite samples under a run of frame pixels along one axis: `at[i]` and `next[i]`, the latter
-/// with weight `share[i]`, for frame pixel `first + i`.
-struct Taps
-{
-    std::size_t first = 0;
-    std::vector<std::size_t> at;
-    std::vector<std::size_t> next;
-    std::vector<float> share;
-
-    void find(const Axis& axis)
+    double begin() const { return landing - scale * center; }
+    double end() const { return landing + scale * (boxSide - center); }
+    int firstPixel() const { return begin() > 0.0 ? static_cast<int>(begin()) : 0; }
+    int lastPixel() const
     {
-        at.clear();
-        next.clear();
-        share.clear();
-        const int last = static_cast<int>(std::min(axis.end(), axis.frameSide - 1.0));
-        for (int pixel = static_cast<int>(std::max(axis.begin(), 0.0)); pixel <= last; ++pixel) {
-            const double source = (pixel + 0.5 - axis.landing) / axis.scale + axis.center - 0.5;
-            if (!(source >= 0.0) || !(source <= axis.boxSide - 1.0))
-                continue;
-            if (at.empty())
-                first = static_cast<std::size_t>(pixel);
-            const std::size_t whole = static_cast<std::size_t>(source);
-            at.push_back(whole);
-            next.push_back(std::min(whole + 1, static_cast<std::size_t>(axis.boxSide) - 1));
-            share.push_back(static_cast<float>(source - static_cast<double>(whole)));
-        }
+        const int last = frameSide - 1;
+        return end() < last ? std::min(last, static_cast<int>(end()) + 1) : last;
     }
+    bool misses() const { return !(end() > -1.0) || !(begin() < frameSide); }
+    double source(int pixel) const { return (pixel + 0.5 - landing) / scale + center - 0.5; }
+    bool within(double source) const { return source >= 0.0 && source <= boxSide - 1.0; }
 };
 
-/// A row of the frame falls between two rows of samples.
-struct RowPair
+/// The frame pixels whose place lies in the box, and their taps. The place rises with the pixel, so
+/// that only the ends can fall out.
+void findTaps(const Axis& axis, SpriteTaps& taps)
 {
-    const float* top;
-    const float* bottom;
-    float share;
-
-    float at(std::size_t left, std::size_t right, float across) const
-    {
-        const float upper = top[left] + (top[right] - top[left]) * across;
-        const float lower = bottom[left] + (bottom[right] - bottom[left]) * across;
-        return upper + (lower - upper) * share;
+    int first = axis.firstPixel();
+    int last = axis.lastPixel();
+    while (first <= last && !axis.within(axis.source(first)))
+        ++first;
+    while (last >= first && !axis.within(axis.source(last)))
+        --last;
+    taps.first = static_cast<std::size_t>(first);
+    taps.count = static_cast<std::size_t>(last - first + 1);
+    if (taps.at.size() < taps.count) {
+        taps.at.resize(taps.count);
+        taps.next.resize(taps.count);
+        taps.share.resize(taps.count);
     }
-};
+    bool even = true;
+    for (std::size_t i = 0; i < taps.count; ++i) {
+        const double source = axis.source(first + static_cast<int>(i));
+        const int whole = static_cast<int>(source);
+        taps.at[i] = whole;
+        taps.next[i] = std::min(whole + 1, axis.boxSide - 1);
+        taps.share[i] = static_cast<float>(source - whole);
+        even &= whole - taps.at[0] == static_cast<int>(i) && taps.share[i] == taps.share[0];
+    }
+    taps.even = even;
+}
+
+/// The largest sample that does not hide a star of that depth.
+float horizonOf(float depth)
+{
+    const double horizon = double(depth) + kDepthMargin;
+    const float nearest = static_cast<float>(horizon);
+    return double(nearest) > horizon ? std::nextafter(nearest, -1.0f) : nearest;
+}
 
 /// A frame, and what stands in it that may hide stars.
 struct Frame
@@ -122,6 +126,58 @@ struct Frame
     const Image* depthMap;
     float occlusion;
 };
+
+/// A star on its way into the frame; without `visible` nothing of it gets there.
+struct Placed
+{
+    const Star* star = nullptr;
+    Axis across{};
+    Axis down{};
+    bool visible = false;
+};
+
+Placed place(const Star& star, const Motion& motion, const Image& frame)
+{
+    Placed placed{.star = &star};
+    if (!(star.depth >= 0.0f) || !hasWholeSprite(star))
+        return placed;
+    const Landing landing = land(star, motion);
+    placed.across = {landing.x, landing.scale, star.x - star.boxX, star.boxW, frame.width};
+    placed.down = {landing.y, landing.scale, star.y - star.boxY, star.boxH, frame.height};
+    placed.visible = landing.finite() && !placed.across.misses() && !placed.down.misses();
+    return placed;
+}
+
+constexpr std::size_t kLineSamples = 64 / sizeof(float);
+
+/// Adds the cache lines of a row of samples; the processor finds a longer row by itself.
+void wantRow(const float* row, std::size_t samples, std::vector<const float*>& wanted)
+{
+    constexpr std::size_t kMost = 512;
+    for (std::size_t i = 0; i < std::min(samples, kMost); i += kLineSamples)
+        wanted.push_back(row + i);
+}
+
+/// The cache lines that drawing a star will touch.
+void wantSamples(const Placed& placed, const Image& frame, std::vector<const float*>& wanted)
+{
+    constexpr int kMostRows = 64;
+    const Star& star = *placed.star;
+    const int left = placed.across.firstPixel();
+    const int top = placed.down.firstPixel();
+    const int bottom = std::min(placed.down.lastPixel(), top + kMostRows);
+    // Up to the line of the last pixel, however the row lies on the lines.
+    const std::size_t samples =
+        std::min(static_cast<std::size_t>(placed.across.lastPixel() - left) + kLineSamples,
+                 static_cast<std::size_t>(frame.width - left));
+    for (int y = top; y <= bottom; ++y)
+        for (int c = 0; c < frame.channels; ++c)
+            wantRow(frame.plane(c) +
+                        static_cast<std::size_t>(y) * static_cast<std::size_t>(frame.width) + left,
+                    samples, wanted);
+    wantRow(star.sprite.data(), star.sprite.size(), wanted);
+    wantRow(star.alpha.data(), star.alpha.size(), wanted);
+}
 
 class SpriteDrawer
 {
@@ -132,67 +188,44 @@ public:
     {
     }
 
-    void draw(const Star& star)
+    /// Small sprites lie far from each other in the frame, so that waiting for memory would cost
+    /// more than all arithmetic: while a star is drawn, the samples of a later one are asked for.
+    void draw(const std::vector<Star>& stars)
     {
-        const Landing landing = land(star, m_motion);
-        if (!landing.finite())
-            return;
-        const Axis across{landing.x, landing.scale, star.x - star.boxX, star.boxW,
-                          m_frame.image.width};
-        const Axis down{landing.y, landing.scale, star.y - star.boxY, star.boxH,
-                        m_frame.image.height};
-        if (across.misses() || down.misses())
-            return;
-        m_columns.find(across);
-        m_rows.find(down);
-        for (std::size_t j = 0; j < m_rows.at.size(); ++j)
-            drawRow(star, j);
+        std::array<Placed, kAhead> ahead;
+        for (std::size_t i = 0; i < stars.size() + kAhead; ++i) {
+            Placed next;
+            m_wanted.clear();
+            if (i < stars.size())
+                next = place(stars[i], m_motion, m_frame.image);
+            if (next.visible)
+                wantSamples(next, m_frame.image, m_wanted);
+            Placed& slot = ahead[i % kAhead];
+            if (slot.visible)
+                draw(slot);
+            slot = next;
+        }
     }
 
 private:
-    RowPair rows(const std::vector<float>& samples, std::size_t stride, std::size_t j) const
-    {
-        return {samples.data() + m_rows.at[j] * stride, samples.data() + m_rows.next[j] * stride,
-                m_rows.share[j]};
-    }
+    static constexpr std::size_t kAhead = 2;
 
-    void drawRow(const Star& star, std::size_t j)
+    void draw(const Placed& placed)
     {
-        const std::size_t channels = spriteChannels(star);
-        const std::size_t width = static_cast<std::size_t>(star.boxW);
-        const std::size_t start =
-            (m_rows.first + j) * static_cast<std::size_t>(m_frame.image.width) + m_columns.first;
-        const RowPair light = rows(star.sprite, width * channels, j);
-        const bool covered = hasWholeAlpha(star);
-        const RowPair cover = covered ? rows(star.alpha, width, j) : RowPair{};
+        const Star& star = *placed.star;
+        findTaps(placed.across, m_columns);
+        findTaps(placed.down, m_rows);
         const bool occluded = m_frame.depthMap && m_frame.occlusion > star.depth;
-        const double horizon = double(star.depth) + kDepthMargin;
-        for (std::size_t i = 0; i < m_columns.at.size(); ++i) {
-            if (occluded && double(m_frame.depthMap->data[start + i]) > horizon)
-                continue;
-            const std::size_t left = m_columns.at[i];
-            const std::size_t right = m_columns.next[i];
-            const float share = m_columns.share[i];
-            float alpha = covered ? cover.at(left, right, share) : 1.0f;
-            if (alpha <= 0.0f)
-                continue;
-            alpha = alpha > 1.0f ? 1.0f : alpha;
-            for (int c = 0; c < m_frame.image.channels; ++c) {
-                const std::size_t channel =
-                    static_cast<std::size_t>(c) < channels ? static_cast<std::size_t>(c) : 0;
-                const float added =
-                    light.at(left * channels + channel, right * channels + channel, share) * alpha;
-                float& sample = m_frame.image.plane(c)[start + i];
-                if (added > 0.0f)
-                    sample = sample + added > 1.0f ? 1.0f : sample + added;
-            }
-        }
+        m_blend.add(star, m_columns, m_rows, m_frame.image,
+                    {occluded ? m_frame.depthMap : nullptr, horizonOf(star.depth)}, m_wanted);
     }
 
     Frame m_frame;
     Motion m_motion;
-    Taps m_columns;
-    Taps m_rows;
+    SpriteTaps m_columns;
+    SpriteTaps m_rows;
+    std::vector<const float*> m_wanted;
+    SpriteBlend m_blend;
 };
 
 } // namespace
@@ -214,9 +247,7 @@ void drawStarSprites(const std::vector<Star>& stars, Image& image, double amount
     const bool occluded =
         depthMap && occlusion > 0.0f && depthMap->usable() && depthMap->sameSize(image);
     SpriteDrawer drawer({image, occluded ? depthMap : nullptr, occlusion}, motion);
-    for (const Star& star : stars)
-        if (star.depth >= 0.0f && hasWholeSprite(star))
-            drawer.draw(star);
+    drawer.draw(stars);
 }
 
 } // namespace zre

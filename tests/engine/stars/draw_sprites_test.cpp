@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/stars/star_sprites.h"
+#include "tests/engine/stars/naive_sprites.h"
 #include "tests/support/testkit.h"
 
 using zre::Image;
@@ -18,82 +19,12 @@ namespace {
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
-struct Eye
-{
-    double amount = 20;
-    double convergence = 0.5;
-    double dirX = 1;
-    double dirY = 0;
-    double maxShift = 0;
-    double zoomGain = 0;
-    double centerX = -1;
-    double centerY = -1;
-    float occlusion = 0;
-};
+using Eye = naive::SpriteEye;
 
 void draw(const std::vector<Star>& stars, Image& image, const Eye& e, const Image* depthMap)
 {
     zre::drawStarSprites(stars, image, e.amount, e.convergence, e.dirX, e.dirY, e.maxShift,
                          e.zoomGain, e.centerX, e.centerY, depthMap, e.occlusion);
-}
-
-/// Of a grid of `channels` interleaved samples, by doubles for the place and floats for the light.
-float bilinear(const std::vector<float>& grid, const Star& s, int channels, int c, double sx,
-               double sy)
-{
-    const int x = static_cast<int>(sx);
-    const int y = static_cast<int>(sy);
-    const auto at = [&](int i, int j) {
-        const int column = std::min(i, s.boxW - 1);
-        return grid[static_cast<std::size_t>(
-            (std::min(j, s.boxH - 1) * s.boxW + column) * channels + c)];
-    };
-    const float fx = static_cast<float>(sx - x);
-    const float top = at(x, y) + (at(x + 1, y) - at(x, y)) * fx;
-    const float bottom = at(x, y + 1) + (at(x + 1, y + 1) - at(x, y + 1)) * fx;
-    return top + (bottom - top) * static_cast<float>(sy - y);
-}
-
-void drawPixel(const Star& s, Image& image, std::size_t pixel, double sx, double sy)
-{
-    float a = s.alpha.empty() ? 1.0f : bilinear(s.alpha, s, 1, 0, sx, sy);
-    if (a <= 0)
-        return;
-    a = std::min(a, 1.0f);
-    for (int c = 0; c < image.channels; ++c) {
-        const float v = bilinear(s.sprite, s, s.channels, c < s.channels ? c : 0, sx, sy) * a;
-        if (v > 0)
-            image.plane(c)[pixel] = std::min(1.0f, image.plane(c)[pixel] + v);
-    }
-}
-
-/// One whole sprite by the definition: every pixel of the frame asks where it lies in the box.
-void drawPlainly(const Star& s, Image& image, const Eye& e, const Image* depthMap)
-{
-    const double cx = e.centerX < 0 ? image.width * 0.5 : e.centerX;
-    const double cy = e.centerY < 0 ? image.height * 0.5 : e.centerY;
-    const double nearness = s.depth - e.convergence;
-    const double g = std::max(nearness, 0.0) * e.zoomGain;
-    double dx = e.dirX * 0.5 * e.amount * nearness + (e.zoomGain != 0 ? (s.x - cx) * g : 0.0);
-    double dy = e.dirY * 0.5 * e.amount * nearness + (e.zoomGain != 0 ? (s.y - cy) * g : 0.0);
-    const double length = std::sqrt(dx * dx + dy * dy);
-    if (e.maxShift > 0 && length > 0.5 * e.maxShift) {
-        dx *= 0.5 * e.maxShift / length;
-        dy *= 0.5 * e.maxShift / length;
-    }
-    const double scale = std::clamp(1 + g, 0.2, 8.0);
-    for (int py = 0; py < image.height; ++py)
-        for (int px = 0; px < image.width; ++px) {
-            const double sx = (px + 0.5 - (s.x + dx)) / scale + (s.x - s.boxX) - 0.5;
-            const double sy = (py + 0.5 - (s.y + dy)) / scale + (s.y - s.boxY) - 0.5;
-            if (!(sx >= 0 && sx <= s.boxW - 1 && sy >= 0 && sy <= s.boxH - 1))
-                continue;
-            const std::size_t pixel = static_cast<std::size_t>(py * image.width + px);
-            if (depthMap && e.occlusion > 0 && e.occlusion > s.depth &&
-                double(depthMap->data[pixel]) > double(s.depth) + 0.001)
-                continue;
-            drawPixel(s, image, pixel, sx, sy);
-        }
 }
 
 /// Sprites of every size and place: over the edges, beyond them, tiny, negative light, coverage
@@ -144,9 +75,7 @@ TEST(DrawSprites, EqualsTheDefinitionPixelByPixelForEveryMotion)
                 const Image before = noise(67, 45, model, 12);
                 const std::vector<Star> stars = randomStars(120, channels, before, 13);
                 Image expected = before;
-                for (const Star& s : stars)
-                    if (s.depth >= 0)
-                        drawPlainly(s, expected, e, &scene);
+                naive::drawSprites(stars, expected, e, &scene);
                 Image out = before;
                 draw(stars, out, e, &scene);
                 EXPECT_TRUE(imagesNear(out, expected, 0))
