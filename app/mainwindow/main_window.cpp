@@ -40,10 +40,12 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     : m_prompter(prompter ? std::move(prompter) : std::make_unique<DesktopPrompter>(this))
     , m_stages(*statusBar(), *this)
     , m_preview(new PreviewView(this))
+    , m_starOverlay(*this, *m_preview)
     , m_render(*this, {[this](QImage picture, bool processed) {
                            m_preview->setPreview(std::move(picture), processed);
                        },
-                       [this] { syncParamsFromUi(); }, [this] { return activeColorRows(); }})
+                       [this] { syncParamsFromUi(); }, [this] { return activeColorRows(); },
+                       [this] { pictureShown(); }})
     , m_params(*this, [this] { onParamsChanged(); })
     , m_colorPick(*this, *m_preview,
                   [this](int row, const QColor& color) { m_params.setPickedColor(row, color); })
@@ -57,6 +59,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_preferences(
           *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
 {
+    m_pipeline.setTrueColor(m_starTrueColor);
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
     });
@@ -148,6 +151,8 @@ void MainWindow::buildMenus()
                   nullptr, &MainWindow::compareWithSource},
         ActionRow{kView, "depthInColor", "Depth in C&olor", Key::UnknownKey, "D", Gate::NeedsImage,
                   nullptr, &MainWindow::showDepthInColor},
+        ActionRow{kView, "showFoundStars", "Show &Found Stars", Key::UnknownKey, "O",
+                  Gate::NeedsImage, nullptr, &MainWindow::showFoundStars},
         ActionRow{kHelp, "showTabHelp", "Help for This &Tab", Key::HelpContents, "F1", Gate::Always,
                   &MainWindow::showTabHelp},
         ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::UnknownKey, "Ctrl+/",
@@ -296,6 +301,7 @@ void MainWindow::documentReplaced()
     for (QAction* view : m_views->actions())
         view->setChecked(view->data().toInt() == m_session.outputMode);
     m_params.documentReplaced();
+    m_starOverlay.documentReplaced();
     m_render.showDocument();
     updateGates();
 }
@@ -406,10 +412,28 @@ void MainWindow::zoomToPixels()
     m_preview->zoomToPixels();
 }
 
+void MainWindow::onParamsChanged()
+{
+    m_starOverlay.paramsEdited();
+    m_render.onParamsChanged();
+}
+
+void MainWindow::pictureShown()
+{
+    m_starOverlay.pictureShown();
+    m_params.syncStarControls();
+}
+
 void MainWindow::settingsChanged()
 {
     m_toolbar->applyGroups();
     m_params.refreshValueTexts();
+    const bool trueColor = appcfg::starTrueColor();
+    if (trueColor == m_starTrueColor)
+        return;
+    m_starTrueColor = trueColor;
+    m_pipeline.setTrueColor(trueColor);
+    m_render.onParamsChanged();
 }
 
 void MainWindow::modelsChanged()

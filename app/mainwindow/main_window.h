@@ -18,7 +18,9 @@
 #include "app/mainwindow/render_controller.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/mainwindow/stage_display.h"
+#include "app/mainwindow/star_overlay_controller.h"
 #include "app/mainwindow/still_controller.h"
+#include "app/persist/appcfg.h"
 #include "app/session/carry_over.h"
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
@@ -90,7 +92,7 @@ public:
     void syncUiFromParams() { m_params.syncUiFromParams(); }
     int activeColorRows() const { return m_params.activeColorRows(); }
     void setImageGatedSectionsEnabled(bool on) { m_params.setImageGatedSectionsEnabled(on); }
-    void onParamsChanged() { m_render.onParamsChanged(); }
+    void onParamsChanged();
     void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
     int currentOutputMode() const { return m_session.outputMode; }
     bool renderCurrentViewFullRes(zre::Image& out);
@@ -146,6 +148,7 @@ private:
     void saveColorProfile() { m_colorProfiles.saveColorProfile(); }
     void compareWithSource(bool on);
     void showDepthInColor(bool inColor) { m_render.setDepthInColor(inColor); }
+    void showFoundStars(bool shown) { m_starOverlay.setAlwaysShown(shown); }
     void quit();
     void zoomIn();
     void zoomOut();
@@ -153,6 +156,7 @@ private:
     void zoomToPixels();
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }
+    void pictureShown();
     void settingsChanged();
     void modelsChanged();
     void showTabHelp();
@@ -165,6 +169,7 @@ private:
     BusyGuard m_busy;
     StageDisplay m_stages;
     PreviewView* m_preview; ///< owned by the window
+    StarOverlayController m_starOverlay;
     RenderController m_render;
     ParamsController m_params;
     ColorPickController m_colorPick;
@@ -180,4 +185,5 @@ private:
     QActionGroup* m_views = nullptr;  ///< owned by the window
     QMenu* m_recentMenu = nullptr;    ///< owned by the window
     std::vector<GatedAction> m_actions;
+    bool m_starTrueColor = appcfg::starTrueColor(); ///< the setting as the pipeline knows it
 };

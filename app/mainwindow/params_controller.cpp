@@ -8,6 +8,7 @@
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/panel/control_panel.h"
+#include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 
 ParamsController::ParamsController(ShellHost& host, std::function<void()> changed)
@@ -44,6 +45,14 @@ void ParamsController::syncUiFromParams()
 int ParamsController::activeColorRows() const
 {
     return m_panel->activeColorRows();
+}
+
+void ParamsController::syncStarControls()
+{
+    const RenderPipeline& pipeline = m_host.pipeline();
+    const std::vector<zre::Star>* stars = pipeline.activeStars();
+    m_panel->updateMaxStarsRange(stars ? static_cast<int>(stars->size()) : 0);
+    m_panel->updateStarControlsEnabled(pipeline.starDetector() == "AI", m_host.session().hasPair());
 }
 
 void ParamsController::setImageGatedSectionsEnabled(bool enabled)

@@ -24,6 +24,8 @@ public:
     /// The controls from the session's parameters. Renders nothing.
     void syncUiFromParams();
     int activeColorRows() const;
+    /// The controls that depend on the stars follow those that the pipeline has.
+    void syncStarControls();
     void setImageGatedSectionsEnabled(bool enabled);
     /// The setting for percent or raw numbers may have changed.
     void refreshValueTexts();

@@ -104,6 +104,8 @@ void RenderController::updatePreview()
     m_hooks.show(std::move(shown), view != kSourceView);
     const QString failure = view == kSourceView ? QString() : m_host.pipeline().aiDepthFailure();
     m_host.showStatus(failure.isEmpty() ? status : status + "  -  " + failure);
+    if (m_hooks.shown)
+        m_hooks.shown();
 }
 
 void RenderController::setDepthInColor(bool inColor)

@@ -24,6 +24,8 @@ public:
         std::function<void(QImage picture, bool processed)> show;
         std::function<void()> syncParams;     ///< the session's parameters from the controls
         std::function<int()> activeColorRows; ///< colour rows that are switched on
+        /// A picture stands before the user with its status text; empty for nothing to do then.
+        std::function<void()> shown = {};
     };
 
     RenderController(ShellHost& host, Hooks hooks);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <utility>
 
 #include <QCheckBox>
@@ -9,6 +8,7 @@
 #include "app/panel/reset_label.h"
 #include "app/panel/row_controls.h"
 #include "app/panel/value_text.h"
+#include "engine/params/param_ranges.h"
 
 namespace {
 
@@ -29,6 +29,12 @@ public:
 
     void load(const zre::ZRParams& params) override { m_check->setChecked(params.*m_row.field); }
     void store(zre::ZRParams& params) const override { params.*m_row.field = m_check->isChecked(); }
+    void follow(const zre::ZRParams& params, const PanelFacts& facts) override
+    {
+        const char* obstacle = m_row.obstacle ? m_row.obstacle(params, facts) : nullptr;
+        m_check->setEnabled(!obstacle && (!m_row.hindrance || m_row.hindrance().isEmpty()));
+        m_check->setToolTip(rowHelp(m_row) + obstacleHelp(obstacle));
+    }
 
 private:
     const CheckRow& m_row;
@@ -47,6 +53,7 @@ public:
     {
         for (const char* choice : row.choices)
             m_combo->addItem(choice);
+        m_combo->setPlaceholderText(row.beyond);
         m_combo->setObjectName(row.name);
         m_combo->setAccessibleName(section + ", " + row.label);
         m_combo->setToolTip(rowHelp(row));
@@ -67,22 +74,26 @@ public:
 
     void load(const zre::ZRParams& params) override
     {
-        m_value = std::clamp(params.*m_row.field, 0, m_combo->count() - 1);
-        m_combo->setCurrentIndex(m_value);
+        m_value = static_cast<int>(zre::clampParam(m_row.name, params.*m_row.field));
+        showValue();
     }
     void store(zre::ZRParams& params) const override { params.*m_row.field = m_value; }
-    void follow(const zre::ZRParams& params) override
+    void follow(const zre::ZRParams& params, const PanelFacts& facts) override
     {
-        const bool usable = !m_row.usable || m_row.usable(params);
-        m_label->setEnabled(usable);
-        m_combo->setEnabled(usable);
+        const char* obstacle = m_row.obstacle ? m_row.obstacle(params, facts) : nullptr;
+        for (QWidget* each : {static_cast<QWidget*>(m_label), static_cast<QWidget*>(m_combo)}) {
+            each->setEnabled(!obstacle);
+            each->setToolTip(rowHelp(m_row) + obstacleHelp(obstacle));
+        }
     }
 
 private:
+    void showValue() { m_combo->setCurrentIndex(m_value < m_combo->count() ? m_value : -1); }
+
     void take(int index)
     {
         const int before = std::exchange(m_value, index);
-        m_combo->setCurrentIndex(index);
+        showValue();
         if (before != index)
             emit edited(m_row.label, false);
     }

@@ -172,7 +172,7 @@ void ColorRowsEditor::show(int row)
     }
 }
 
-void ColorRowsEditor::follow(const zre::ZRParams& params)
+void ColorRowsEditor::follow(const zre::ZRParams& params, const PanelFacts&)
 {
     for (const Line& line : m_lines)
         for (QWidget* each :

@@ -30,7 +30,7 @@ public:
 
     void load(const zre::ZRParams& params) override;
     void store(zre::ZRParams& params) const override { params.colorDepthEntries = m_text; }
-    void follow(const zre::ZRParams& params) override;
+    void follow(const zre::ZRParams& params, const PanelFacts&) override;
     void refreshTexts() override;
 
     int activeRows() const;

@@ -1,6 +1,7 @@
 #include "app/panel/control_panel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -10,6 +11,7 @@
 #include "app/panel/post_tab.h"
 #include "app/panel/section_box.h"
 #include "app/panel/shaping_tab.h"
+#include "app/panel/stars_tab.h"
 #include "app/panel/stereo_tab.h"
 #include "app/persist/appcfg.h"
 
@@ -24,8 +26,8 @@ ControlPanel::ControlPanel(QWidget* parent)
     layout->addWidget(m_tabs);
     m_tabs->setDocumentMode(true);
     auto* stereo = new StereoTab(m_tabs);
-    for (PanelTab* tab :
-         std::initializer_list<PanelTab*>{m_depth, m_shaping, stereo, new PostTab(m_tabs)})
+    for (PanelTab* tab : std::initializer_list<PanelTab*>{new StarsTab(m_tabs), m_depth, m_shaping,
+                                                          stereo, new PostTab(m_tabs)})
         addTab(tab);
     connect(stereo, &StereoTab::glassesTintChanged, this, &ControlPanel::glassesTintChanged);
     connect(m_depth, &DepthTab::viewDepthMapRequested, this, &ControlPanel::viewDepthMapRequested);
@@ -94,7 +96,22 @@ void ControlPanel::updateGates()
     syncParamsFromUi(params);
     for (const PanelTab* tab : m_pages)
         for (SectionBox* section : tab->sections())
-            section->follow(params);
+            section->follow(params, m_facts);
+}
+
+void ControlPanel::updateMaxStarsRange(int starsFound)
+{
+    if (std::exchange(m_facts.starsFound, starsFound) != starsFound)
+        updateGates();
+}
+
+void ControlPanel::updateStarControlsEnabled(bool aiStars, bool starsLayer)
+{
+    const PanelFacts before = m_facts;
+    m_facts.aiStars = aiStars;
+    m_facts.starsLayer = starsLayer;
+    if (!(before == m_facts))
+        updateGates();
 }
 
 QString ControlPanel::currentTab() const

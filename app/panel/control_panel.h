@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+#include "app/panel/panel_facts.h"
 #include "engine/params/params.h"
 
 class DepthTab;
@@ -27,6 +28,12 @@ public:
     void syncParamsFromUi(zre::ZRParams& params) const;
     /// Shows `params` in the controls, numbers bound to their ranges. Emits nothing.
     void syncUiFromParams(const zre::ZRParams& params);
+
+    /// Lets "Max stars" reach from one star to all that were found.
+    void updateMaxStarsRange(int starsFound);
+    /// Greys out what the source of the stars ignores: `aiStars` when the learned model separated
+    /// them, `starsLayer` when a loaded layer holds them.
+    void updateStarControlsEnabled(bool aiStars, bool starsLayer);
 
     /// The title of the tab in front.
     QString currentTab() const;
@@ -70,6 +77,7 @@ private:
     DepthTab* m_depth;
     ShapingTab* m_shaping;
     std::vector<PanelTab*> m_pages; ///< owned by the tabs
+    PanelFacts m_facts;
     QString m_lastEdited;
     int m_gesture = 0;
 };

@@ -30,9 +30,9 @@ constexpr std::array kCombine = [] {
     return labels;
 }();
 
-constexpr Usable kLuminance = whenOn<&P::luminanceEnabled>;
-constexpr Usable kNarrowband = whenOn<&P::narrowbandEnabled>;
-constexpr Usable kDepthMap = whenOn<&P::depthMapEnabled>;
+constexpr Obstacle kLuminance = unlessOn<&P::luminanceEnabled>;
+constexpr Obstacle kNarrowband = unlessOn<&P::narrowbandEnabled>;
+constexpr Obstacle kDepthMap = unlessOn<&P::depthMapEnabled>;
 
 QString withoutDepthModel()
 {

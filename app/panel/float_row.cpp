@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -8,9 +7,9 @@
 #include "app/panel/panel_rows.h"
 #include "app/panel/reset_label.h"
 #include "app/panel/row_controls.h"
+#include "app/panel/row_limits.h"
 #include "app/panel/value_text.h"
 #include "app/persist/appcfg.h"
-#include "engine/params/param_ranges.h"
 
 namespace {
 
@@ -23,7 +22,8 @@ public:
              QWidget* parent)
         : RowBinding(parent)
         , m_row(row)
-        , m_range(*zre::findParamRange(row.name))
+        , m_steps(row.most ? SliderSteps::growing(0)
+                           : SliderSteps::even(rowLimits(row).min, rowLimits(row).max, row.scale))
         , m_label(new ResetLabel(row.label, parent))
         , m_slider(new ParamSlider(parent))
         , m_box(new QLineEdit(parent))
@@ -31,8 +31,7 @@ public:
         const QString name = section + ", " + row.label;
         m_slider->setObjectName(row.name);
         m_slider->setAccessibleName(name);
-        m_slider->setRange(stepOf(m_range.min), stepOf(m_range.max));
-        m_slider->setPageStep(std::max(1, (m_slider->maximum() - m_slider->minimum()) / 10));
+        fitSlider();
         guard.guard(*m_slider);
         m_box->setObjectName(row.name + QString(".box"));
         m_box->setAccessibleName(name + ", value");
@@ -49,33 +48,40 @@ public:
         grid.addWidget(m_box, line, kBoxColumn);
         connect(m_slider, &ParamSlider::moved, this, &FloatRow::takeSlider);
         connect(m_box, &QLineEdit::editingFinished, this, &FloatRow::takeBox);
-        connect(m_label, &ResetLabel::resetAsked, this, [this] { take(m_range.def); });
+        connect(m_label, &ResetLabel::resetAsked, this, [this] { //
+            take(rowLimits(m_row).def);
+        });
     }
 
-    void load(const zre::ZRParams& params) override
-    {
-        show(zre::clampParam(m_row.name, static_cast<double>(params.*m_row.field)));
-    }
+    void load(const zre::ZRParams& params) override { show(rowValue(m_row, params)); }
+    void store(zre::ZRParams& params) const override { setRowValue(m_row, m_value, params); }
 
-    void store(zre::ZRParams& params) const override { params.*m_row.field = m_value; }
-
-    void follow(const zre::ZRParams& params) override
+    void follow(const zre::ZRParams& params, const PanelFacts& facts) override
     {
-        const bool usable = (!m_row.usable || m_row.usable(params)) &&
-                            (!m_row.hindrance || m_row.hindrance().isEmpty());
+        const char* obstacle = m_row.obstacle ? m_row.obstacle(params, facts) : nullptr;
+        const bool usable = !obstacle && (!m_row.hindrance || m_row.hindrance().isEmpty());
         for (QWidget* each : {static_cast<QWidget*>(m_label), static_cast<QWidget*>(m_slider),
                               static_cast<QWidget*>(m_box)})
             each->setEnabled(usable);
+        if (const QString reason = obstacle; reason != m_obstacle) {
+            m_obstacle = reason;
+            refreshTexts();
+        }
+        if (m_row.most && m_most != m_row.most(facts)) {
+            m_most = m_row.most(facts);
+            m_steps = SliderSteps::growing(m_most);
+            fitSlider();
+        }
     }
 
     void refreshTexts() override
     {
         m_percent = appcfg::showValuesAsPercent();
-        const QString help = rowHelp(m_row, m_percent);
+        const QString help = rowHelp(m_row, m_percent) + obstacleHelp(m_obstacle);
         m_label->setToolTip(help);
         m_slider->setToolTip(help);
         m_box->setToolTip(help);
-        m_box->setText(valueText(m_row, static_cast<double>(m_value), m_percent));
+        m_box->setText(valueText(m_row, m_value, m_percent));
     }
 
     /// A box in which nothing is typed leaves undo and redo to the window.
@@ -91,19 +97,25 @@ public:
     }
 
 private:
-    int stepOf(double value) const { return static_cast<int>(std::lround(value / m_row.scale)); }
+    void fitSlider()
+    {
+        const QSignalBlocker quiet(m_slider);
+        m_slider->setRange(m_steps.lowest(), m_steps.highest());
+        m_slider->setPageStep(std::max(1, (m_steps.highest() - m_steps.lowest()) / 10));
+        m_slider->setValue(m_steps.stepOf(m_value));
+    }
 
     void show(double value)
     {
         const QSignalBlocker quiet(m_slider);
-        m_value = static_cast<float>(value);
-        m_slider->setValue(stepOf(value));
-        m_box->setText(valueText(m_row, value, m_percent));
+        m_value = boundToRow(m_row, value);
+        m_slider->setValue(m_steps.stepOf(m_value));
+        m_box->setText(valueText(m_row, m_value, m_percent));
     }
 
     void take(double value)
     {
-        const float before = m_value;
+        const double before = m_value;
         show(value);
         if (m_value != before)
             emit edited(m_row.label, false);
@@ -111,28 +123,30 @@ private:
 
     void takeSlider(int step, bool continues)
     {
-        show(zre::clampParam(m_row.name, step * m_row.scale));
+        show(m_steps.valueAt(step));
         emit edited(m_row.label, continues);
     }
 
     void takeBox()
     {
-        const QString shown = valueText(m_row, static_cast<double>(m_value), m_percent);
+        const QString shown = valueText(m_row, m_value, m_percent);
         if (m_box->text() == shown)
             return;
         const std::optional<double> typed = readValue(m_row, m_box->text(), m_percent);
         if (typed)
-            take(zre::clampParam(m_row.name, *typed));
+            take(*typed);
         else
             m_box->setText(shown);
     }
 
     const SliderRow& m_row;
-    const zre::ParamRange& m_range;
+    SliderSteps m_steps;
+    int m_most = 0;
     ResetLabel* m_label;
     ParamSlider* m_slider;
     QLineEdit* m_box;
-    float m_value = 0.0f;
+    double m_value = 0.0; ///< as the parameter holds it
+    QString m_obstacle;
     bool m_percent = true;
 };
 

@@ -48,7 +48,10 @@ public:
     }
     void load(const zre::ZRParams&) override {}
     void store(zre::ZRParams&) const override {}
-    void follow(const zre::ZRParams& params) override { m_show(params.anaglyphMode); }
+    void follow(const zre::ZRParams& params, const PanelFacts&) override
+    {
+        m_show(params.anaglyphMode);
+    }
 
 private:
     std::function<void(int)> m_show;

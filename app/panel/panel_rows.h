@@ -5,24 +5,31 @@
 
 #include <QString>
 
+#include "app/panel/panel_facts.h"
 #include "engine/params/params.h"
 
-/// When a control has something to act on; null for always.
-using Usable = bool (*)(const zre::ZRParams&);
+/// Why a control has nothing to act on: null when it has, empty where the switch beside it says so.
+using Obstacle = const char* (*)(const zre::ZRParams&, const PanelFacts&);
 
 /// What keeps a control from having any effect on this machine, as a sentence; empty for nothing.
 using Hindrance = QString (*)();
 
-/// A parameter on a slider with a text box. Its limits are those of its row in `kParamRanges`.
+using SliderField = std::variant<float zre::ZRParams::*, int zre::ZRParams::*>;
+
+/// A parameter on a slider with a text box. Its limits are those of its range, or of its key where
+/// it has none.
 struct SliderRow
 {
     const char* name;
     const char* label;
     double scale; ///< of the parameter for one step of the slider
-    float zre::ZRParams::*field;
+    SliderField field;
     const char* unit = "";
-    Usable usable = nullptr;
+    Obstacle obstacle = nullptr;
     Hindrance hindrance = nullptr;
+    const char* zeroText = ""; ///< shown for 0, where that is no quantity
+    /// The upper end of the slider where it follows the facts; its steps then grow with the value.
+    int (*most)(const PanelFacts&) = nullptr;
 };
 
 /// A parameter that is on or off.
@@ -31,6 +38,8 @@ struct CheckRow
     const char* name;
     const char* label;
     bool zre::ZRParams::*field;
+    Obstacle obstacle = nullptr;
+    Hindrance hindrance = nullptr;
 };
 
 /// A parameter that is a choice, counted from 0.
@@ -40,7 +49,8 @@ struct ComboRow
     const char* label;
     int zre::ZRParams::*field;
     std::span<const char* const> choices;
-    Usable usable = nullptr;
+    Obstacle obstacle = nullptr;
+    const char* beyond = ""; ///< shown for a value that is legal and none of the choices
 };
 
 using PanelRow = std::variant<SliderRow, CheckRow, ComboRow>;
@@ -61,14 +71,14 @@ struct SectionRow
     SectionSwitch on = {};
 };
 
-/// The tests of `Usable` that are no more than a switch.
+/// The obstacles that are no more than a switch.
 template <bool zre::ZRParams::*Switch>
-bool whenOn(const zre::ZRParams& params)
+const char* unlessOn(const zre::ZRParams& params, const PanelFacts&)
 {
-    return params.*Switch;
+    return params.*Switch ? nullptr : "";
 }
 template <bool zre::ZRParams::*Switch>
-bool whenOff(const zre::ZRParams& params)
+const char* unlessOff(const zre::ZRParams& params, const PanelFacts&)
 {
-    return !(params.*Switch);
+    return params.*Switch ? "" : nullptr;
 }

@@ -13,7 +13,7 @@ namespace {
 
 using P = zre::ZRParams;
 
-constexpr Usable kPost = whenOn<&P::postEnabled>;
+constexpr Obstacle kPost = unlessOn<&P::postEnabled>;
 
 constexpr std::array kToneRows{
     PanelRow{SliderRow{"postBlack", "Black point", 0.01, &P::postBlack, "", kPost}},

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 
+#include "app/panel/panel_facts.h"
 #include "engine/params/params.h"
 
 /// One control of the panel as a view of its part of the parameter record.
@@ -17,9 +18,9 @@ public:
     virtual void load(const zre::ZRParams& params) = 0;
     /// Writes the part, exactly as it was loaded unless the user has changed it since.
     virtual void store(zre::ZRParams& params) const = 0;
-    /// Something in the panel has changed, and this is the record now: greys out what is without
-    /// effect.
-    virtual void follow(const zre::ZRParams&) {}
+    /// The record or the facts have changed, and this is how they stand now: greys out what is
+    /// without effect, and may say why.
+    virtual void follow(const zre::ZRParams&, const PanelFacts&) {}
     /// The way in which values are shown has changed.
     virtual void refreshTexts() {}
 

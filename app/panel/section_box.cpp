@@ -161,10 +161,10 @@ void SectionBox::store(zre::ZRParams& params) const
         binding->store(params);
 }
 
-void SectionBox::follow(const zre::ZRParams& params)
+void SectionBox::follow(const zre::ZRParams& params, const PanelFacts& facts)
 {
     for (RowBinding* binding : m_bindings)
-        binding->follow(params);
+        binding->follow(params, facts);
 }
 
 void SectionBox::refreshTexts()

@@ -38,7 +38,7 @@ public:
 
     void load(const zre::ZRParams& params);
     void store(zre::ZRParams& params) const;
-    void follow(const zre::ZRParams& params);
+    void follow(const zre::ZRParams& params, const PanelFacts& facts);
     void refreshTexts();
     /// Without an image, a section that needs one is off.
     void setImageOpen(bool open);

@@ -15,7 +15,40 @@ namespace {
 
 using P = zre::ZRParams;
 
-constexpr Usable kColors = whenOn<&P::colorDepthEnabled>;
+/// What keeps the anchor from working at all.
+const char* unlessAnchored(const P& params, const PanelFacts&)
+{
+    if (!params.resolveDistance)
+        return "";
+    return params.starSeparationEnabled ? nullptr
+                                        : "it works on a picture without stars; switch \"Star "
+                                          "separation\" on in the Stars tab.";
+}
+const char* unlessDepthKnown(const P& params, const PanelFacts& facts)
+{
+    const char* obstacle = unlessAnchored(params, facts);
+    return obstacle || params.manualAnchorOn ? obstacle : "";
+}
+const char* unlessFloorGiven(const P& params, const PanelFacts& facts)
+{
+    const char* obstacle = unlessDepthKnown(params, facts);
+    return obstacle || !params.floorAuto ? obstacle : "";
+}
+
+constexpr std::array kStructureRows{
+    PanelRow{CheckRow{"manualAnchorOn", "Use this distance", &P::manualAnchorOn, unlessAnchored}},
+    PanelRow{SliderRow{"manualAnchorDepth", "Object depth", 0.01, &P::manualAnchorDepth, "",
+                       unlessDepthKnown}},
+    PanelRow{
+        SliderRow{"objectFit", "Match object distance", 0.01, &P::objectFit, "", unlessDepthKnown}},
+    PanelRow{SliderRow{"objectThickness", "Object thickness", 0.01, &P::objectThickness, "",
+                       unlessDepthKnown}},
+    PanelRow{CheckRow{"floorAuto", "Find the background floor", &P::floorAuto, unlessDepthKnown}},
+    PanelRow{SliderRow{"backgroundFloor", "Background floor", 0.01, &P::backgroundFloor, "",
+                       unlessFloorGiven}},
+};
+
+constexpr Obstacle kColors = unlessOn<&P::colorDepthEnabled>;
 
 constexpr std::array kColorRows{
     PanelRow{SliderRow{"colorDepthWeight", "Weight", 0.01, &P::colorDepthWeight, "", kColors}},
@@ -26,6 +59,8 @@ constexpr std::array kColorRows{
         SliderRow{"colorDepthGaussian", "Gaussian", 0.1, &P::colorDepthGaussian, "px", kColors}},
 };
 
+constexpr SectionRow kStructure{
+    "Structure depth", true, kStructureRows, {"resolveDistance", &P::resolveDistance}};
 constexpr SectionRow kColorDepth{
     "Color depth", true, kColorRows, {"colorDepthEnabled", &P::colorDepthEnabled}};
 
@@ -34,6 +69,7 @@ constexpr SectionRow kColorDepth{
 ShapingTab::ShapingTab(QWidget* parent)
     : PanelTab("Shaping", parent)
 {
+    addSection(kStructure);
     SectionBox& section = addSection(kColorDepth, [this](SectionBox& box) {
         m_colorRows = new ColorRowsEditor(box.grid(), box.wheelGuard(), &box.body());
         box.addBinding(m_colorRows);

@@ -4,7 +4,7 @@
 
 class ColorRowsEditor;
 
-/// Depth by hand: colours that paint depth.
+/// Depth by hand: the object put where it is known to be, and colours that paint depth.
 class ShapingTab final : public PanelTab
 {
     Q_OBJECT

@@ -18,7 +18,7 @@ constexpr std::array kAnaglyphModes{"Color", "Half-color", "Gray", "Optimized (D
 constexpr std::array kStereoRows{
     PanelRow{SliderRow{"parallaxAmount", "Parallax amount", 1.0, &P::parallaxAmount, "px"}},
     PanelRow{SliderRow{"convergence", "Convergence", 0.01, &P::convergence, "",
-                       whenOff<&P::autoConvergence>}},
+                       unlessOff<&P::autoConvergence>}},
     PanelRow{CheckRow{"autoConvergence", "Auto convergence (median depth)", &P::autoConvergence}},
     PanelRow{SliderRow{"maxDisparity", "Max disparity", 1.0, &P::maxDisparity, "px"}},
     PanelRow{CheckRow{"swapEyes", "Swap eyes (parallel / cross-eyed)", &P::swapEyes}},

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/panel/row_limits.h"
 #include "app/persist/param_table.h"
-#include "engine/params/param_ranges.h"
 
 namespace {
 
@@ -13,8 +13,7 @@ constexpr int kDigitsBetweenSteps = 2;
 bool isShare(const SliderRow& row)
 {
     constexpr double kHundredth = 0.01;
-    const zre::ParamRange* range = zre::findParamRange(row.name);
-    return row.scale == kHundredth && range && range->max == 1.0;
+    return row.scale == kHundredth && rowLimits(row).max <= 1.0;
 }
 
 /// Digits behind the point that the steps of `scale` need.
@@ -41,10 +40,18 @@ QString paragraph(const QString& text)
     return "<p>" + text.toHtmlEscaped() + "</p>";
 }
 
+QString hindranceHelp(Hindrance hindrance)
+{
+    const QString why = hindrance ? hindrance() : QString();
+    return why.isEmpty() ? why : paragraph(why);
+}
+
 } // namespace
 
 QString valueText(const SliderRow& row, double value, bool percent)
 {
+    if (row.zeroText[0] && value == 0.0)
+        return row.zeroText;
     if (percent && isShare(row))
         return numberText(value * 100.0, digitsOf(row.scale * 100.0)) + " %";
     const QString number = numberText(value, digitsOf(row.scale));
@@ -54,6 +61,8 @@ QString valueText(const SliderRow& row, double value, bool percent)
 std::optional<double> readValue(const SliderRow& row, const QString& text, bool percent)
 {
     QString number = text.trimmed();
+    if (row.zeroText[0] && number.compare(QString(row.zeroText), Qt::CaseInsensitive) == 0)
+        return 0.0;
     bool hundredths = percent && isShare(row);
     if (number.endsWith('%')) {
         hundredths = true;
@@ -79,20 +88,18 @@ QString meaningOf(const char* name)
 
 QString rowHelp(const SliderRow& row, bool percent)
 {
-    const zre::ParamRange* range = zre::findParamRange(row.name);
-    const QString hindrance = row.hindrance ? row.hindrance() : QString();
-    return paragraph(meaningOf(row.name)) +
-           (hindrance.isEmpty() ? QString() : paragraph(hindrance)) +
-           paragraph(QString("%1 to %2; default %3.")
-                         .arg(valueText(row, range->min, percent),
-                              valueText(row, range->max, percent),
-                              valueText(row, range->def, percent))) +
+    const RowLimits limits = rowLimits(row);
+    const QString lowest = valueText(row, limits.min, percent);
+    const QString range =
+        row.most ? lowest + ", or a number" : lowest + " to " + valueText(row, limits.max, percent);
+    return paragraph(meaningOf(row.name)) + hindranceHelp(row.hindrance) +
+           paragraph(range + "; default " + valueText(row, limits.def, percent) + '.') +
            paragraph("Double-click the name to restore the default.");
 }
 
 QString rowHelp(const CheckRow& row)
 {
-    return paragraph(meaningOf(row.name)) +
+    return paragraph(meaningOf(row.name)) + hindranceHelp(row.hindrance) +
            paragraph(QString("Default: %1.").arg(zre::ZRParams{}.*row.field ? "on" : "off"));
 }
 
@@ -103,4 +110,9 @@ QString rowHelp(const ComboRow& row)
     return paragraph(meaningOf(row.name).section(':', 0, 0).remove('.') + '.') +
            paragraph(QString("Default: %1.").arg(row.choices[initial])) +
            paragraph("Double-click the name to restore the default.");
+}
+
+QString obstacleHelp(const QString& obstacle)
+{
+    return obstacle.isEmpty() ? QString() : paragraph("Off now: " + obstacle);
 }

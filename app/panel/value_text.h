@@ -8,7 +8,8 @@
 
 /// The text of a slider row's value: a share (a row of hundredths that ends at 1) as percent when
 /// `percent`, anything else as it is, with the row's unit. As many digits as a step of the slider
-/// needs, and up to two more when the value lies between steps.
+/// needs, and up to two more when the value lies between steps. 0 has the row's own word where
+/// there is one.
 QString valueText(const SliderRow& row, double value, bool percent);
 
 /// Reads what a user typed for the row, with or without its unit; a "%" divides by 100 in any case.
@@ -22,3 +23,6 @@ QString meaningOf(const char* name);
 QString rowHelp(const SliderRow& row, bool percent);
 QString rowHelp(const CheckRow& row);
 QString rowHelp(const ComboRow& row);
+
+/// What a tooltip adds for a control that is greyed out: why. Nothing for an empty obstacle.
+QString obstacleHelp(const QString& obstacle);

@@ -1,0 +1,11 @@
+#pragma once
+
+/// What the controls act on besides the parameters.
+struct PanelFacts
+{
+    int starsFound = 0;
+    bool aiStars = false;    ///< the learned model separated them
+    bool starsLayer = false; ///< they come from a loaded stars layer
+
+    bool operator==(const PanelFacts&) const = default;
+};
