@@ -30,6 +30,25 @@ struct HelpParagraph
 };
 
 constexpr std::array kTabHelp{
+    HelpParagraph{"Stars", "Star separation",
+                  "Stars are lifted out of the picture and drawn as points of light of their own, "
+                  "so that each has its depth and the nebula behind it none of its holes. Look at "
+                  "the starless image (key 5) and the stars (key 6) to judge the separation."},
+    HelpParagraph{"Stars", "Star detection",
+                  "Threshold is how far a star has to stand out of the noise, Min brightness how "
+                  "bright its peak has to be, and Max star radius how large it may get before it "
+                  "counts as nebula. While you change them, the stars found are ringed in the "
+                  "preview and counted in the status bar; Show Found Stars (key O) keeps the "
+                  "rings. Remove companions takes the neighbors out of a star's cut-out, Split "
+                  "merged stars parts stars that touch, and Background scale is the blur that "
+                  "stars are measured against."},
+    HelpParagraph{"Stars", "Star depth",
+                  "Depth model spreads the stars about the Star plane: not at all, the bright ones "
+                  "nearer, or scattered. Star spread is how far. Star floatation below 100 % "
+                  "draws them toward the depth of what lies behind them, and Foreground pop lifts "
+                  "all of them toward you. With an Occultation threshold, matter in front hides "
+                  "stars. Max stars draws the brightest only. Advanced Star Profiling sets how "
+                  "soft the rims of the stars are."},
     HelpParagraph{"Depth", "Depth filters",
                   "What is done to the finished depth map. Smoothness calms it, Edge preservation "
                   "keeps its outlines while it does, and Depth gamma above 1 pushes all but the "
@@ -46,6 +65,12 @@ constexpr std::array kTabHelp{
     HelpParagraph{"Depth", "External depth map",
                   "A depth map of your own, painted or computed elsewhere, laid over the rest by "
                   "Blend. White is near. Drop the file on the window or load it here."},
+    HelpParagraph{"Shaping", "Structure depth",
+                  "Puts the object of the picture where you know it to be. Use this distance says "
+                  "that the Object depth counts, Match object distance how far the object moves "
+                  "there, and Object thickness how much of its own depth it keeps. What lies no "
+                  "nearer than the background floor stays in place. It works on a picture without "
+                  "stars, so Star separation has to be on."},
     HelpParagraph{"Shaping", "Color depth",
                   "Each row takes a color of the picture and says how near it lies. Pick the "
                   "color from the preview. A profile keeps the rows for another image."},

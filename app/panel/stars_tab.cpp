@@ -1,7 +1,9 @@
 #include "app/panel/stars_tab.h"
 
 #include <array>
+#include <string>
 
+#include <QFile>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLocale>
@@ -10,6 +12,7 @@
 #include "app/panel/row_controls.h"
 #include "app/panel/section_box.h"
 #include "app/panel/star_profile_dialog.h"
+#include "engine/inference/starless_ai.h"
 
 namespace {
 
@@ -51,6 +54,14 @@ const char* unlessSpread(const P& params, const PanelFacts&)
                                           : nullptr;
 }
 
+QString withoutStarModel()
+{
+    std::string why;
+    if (zre::StarlessAI::available(&why))
+        return {};
+    return "Not in use: " + QFile::decodeName(why.c_str());
+}
+
 int starsFound(const PanelFacts& facts)
 {
     return facts.starsFound;
@@ -71,8 +82,8 @@ constexpr std::array kDetectionRows{
 };
 
 constexpr std::array kDepthRows{
-    PanelRow{
-        CheckRow{"aiStarSeparation", "AI Star separation", &P::aiStarSeparation, unlessOwnImage}},
+    PanelRow{CheckRow{"aiStarSeparation", "AI Star separation", &P::aiStarSeparation,
+                      unlessOwnImage, withoutStarModel}},
     PanelRow{ComboRow{"starDepthModel", "Depth model", &P::starDepthModel, kDepthModels,
                       unlessSeparated, "Real Star depth"}},
     PanelRow{SliderRow{"starPlane", "Star plane", 0.01, &P::starPlane, "", unlessSeparated}},

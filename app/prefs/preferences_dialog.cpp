@@ -72,8 +72,8 @@ PreferencesDialog::PreferencesDialog(PreferenceQuestions questions, QWidget* par
     setWindowTitle("Preferences");
     auto* column = new QVBoxLayout(this);
     column->setSpacing(8);
-    for (QWidget* group :
-         {interfaceGroup(), toolbarGroup(), foldersGroup(), videoGroup(), modelsGroup()})
+    for (QWidget* group : {interfaceGroup(), toolbarGroup(), foldersGroup(), renderingGroup(),
+                           videoGroup(), modelsGroup()})
         column->addWidget(group);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     column->addSpacing(4);
@@ -215,6 +215,23 @@ QWidget* PreferencesDialog::foldersGroup()
     column->addWidget(new QLabel("Default folder for saved new work:"));
     column->addWidget(m_workFolder);
     column->addLayout(rowOf({choose, m_clearFolder}));
+    return group;
+}
+
+QWidget* PreferencesDialog::renderingGroup()
+{
+    auto* trueColor = new QCheckBox("Stars keep their true color on any background");
+    trueColor->setObjectName("starTrueColor");
+    trueColor->setToolTip("Stars take their colors from the image. Off, they keep the light that "
+                          "was left when the background was taken away.");
+    trueColor->setChecked(appcfg::starTrueColor());
+    connect(trueColor, &QCheckBox::toggled, this, [this](bool checked) {
+        appcfg::setStarTrueColor(checked);
+        emit settingsChanged();
+    });
+    auto* group = new QGroupBox("Rendering");
+    auto* column = new QVBoxLayout(group);
+    column->addWidget(trueColor);
     return group;
 }
 

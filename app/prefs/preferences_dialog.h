@@ -35,6 +35,7 @@ private:
     QWidget* interfaceGroup();
     QWidget* toolbarGroup();
     QWidget* foldersGroup();
+    QWidget* renderingGroup();
     QWidget* videoGroup();
     QWidget* modelsGroup();
 

@@ -249,7 +249,7 @@ TEST(WindowEnd, AHalfTypedNumberDoesNoHarmWhenTheWindowGoes)
     window->activateWindow();
     QApplication::processEvents();
     auto* box = window->findChild<QLineEdit*>("smoothness.box");
-    window->findChild<QTabWidget*>()->setCurrentIndex(0);
+    window->findChild<QTabWidget*>()->setCurrentIndex(1);
     box->setFocus();
     EXPECT_TRUE(box->hasFocus());
     box->setText("33"); // leaving the box now would take it

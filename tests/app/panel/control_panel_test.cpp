@@ -29,15 +29,18 @@ namespace {
 
 /// What one step of a slider is worth, by the names of the parameters.
 const std::map<std::string, std::set<std::string>> kSteps{
-    {"0.01", {"luminanceWeight",  "structureWeight", "aiDepthWeight",    "narrowbandWeight",
-              "edgePreservation", "depthGamma",      "colorDepthWeight", "colorDepthGamma",
-              "depthMapBlend",    "paintedGamma",    "convergence",      "postBlack",
-              "postWhite",        "postGamma",       "postBrightness",   "postContrast",
-              "postTemperature",  "postTint",        "postSaturation",   "postVibrance"}},
+    {"0.01", {"luminanceWeight",  "structureWeight",   "aiDepthWeight",    "narrowbandWeight",
+              "edgePreservation", "depthGamma",        "colorDepthWeight", "colorDepthGamma",
+              "depthMapBlend",    "paintedGamma",      "convergence",      "postBlack",
+              "postWhite",        "postGamma",         "postBrightness",   "postContrast",
+              "postTemperature",  "postTint",          "postSaturation",   "postVibrance",
+              "minPeak",          "starCompanionWipe", "starPlane",        "starDepthRange",
+              "starFloatation",   "starPop",           "starOcclusion",    "manualAnchorDepth",
+              "objectFit",        "objectThickness"}},
     {"0.1",
-     {"structureScale", "smoothness", "colorDepthSmoothness", "colorDepthGaussian",
-      "paintedSmoothness"}},
-    {"1", {"parallaxAmount", "maxDisparity", "postHue"}},
+     {"thresholdSigma", "backgroundScale", "structureScale", "smoothness", "colorDepthSmoothness",
+      "colorDepthGaussian", "paintedSmoothness"}},
+    {"1", {"parallaxAmount", "maxDisparity", "postHue", "maxRadius"}},
 };
 
 struct Panel : testing::Test
@@ -61,6 +64,14 @@ struct Panel : testing::Test
         zre::ZRParams out;
         panel.syncParamsFromUi(out);
         return out;
+    }
+    void showTab(const QString& title)
+    {
+        auto& tabs = *panel.findChild<QTabWidget*>();
+        for (int i = 0; i < tabs.count(); ++i)
+            if (tabs.tabText(i) == title)
+                tabs.setCurrentIndex(i);
+        QApplication::processEvents();
     }
     void type(const char* name, const QString& text)
     {
@@ -120,8 +131,17 @@ TEST_F(Panel, EveryControlShowsTheRecordAndNoneFollowsAnother)
         for (const std::string& name : names)
             EXPECT_EQ(zre::findParamRange(name)->get(shown), zre::findParamRange(name)->get(wanted))
                 << name;
-    for (const char* name : {"nearChannel", "farChannel", "depthMapMode", "anaglyphMode"})
-        EXPECT_EQ(zre::findParamRange(name)->get(shown), zre::findParamRange(name)->get(wanted));
+    for (const char* name : {"nearChannel", "farChannel", "depthMapMode", "anaglyphMode",
+                             "starDepthModel", "starEdgeGlow", "starEdgeSoftness"})
+        EXPECT_EQ(zre::findParamRange(name)->get(shown), zre::findParamRange(name)->get(wanted))
+            << name;
+    EXPECT_EQ(shown.backgroundFloor, wanted.backgroundFloor);
+    using Flag = bool zre::ZRParams::*;
+    for (const Flag flag : {&zre::ZRParams::starSeparationEnabled, &zre::ZRParams::starClusterSplit,
+                            &zre::ZRParams::aiStarSeparation, &zre::ZRParams::starSoftEdges,
+                            &zre::ZRParams::resolveDistance, &zre::ZRParams::manualAnchorOn,
+                            &zre::ZRParams::floorAuto})
+        EXPECT_EQ(shown.*flag, wanted.*flag);
     EXPECT_EQ(shown.luminanceEnabled, wanted.luminanceEnabled);
     EXPECT_EQ(shown.narrowbandEnabled, wanted.narrowbandEnabled);
     EXPECT_EQ(shown.colorDepthEnabled, wanted.colorDepthEnabled);
@@ -276,8 +296,7 @@ TEST_F(Panel, TheWheelScrollsThePanelUnlessAControlHasTheFocus)
 {
     panel.resize(360, 200);
     QApplication::processEvents();
-    panel.findChild<QTabWidget*>()->setCurrentIndex(0);
-    QApplication::processEvents();
+    showTab("Depth");
     auto& slider = get<QSlider>("smoothness");
     QScrollBar& bar = *qobject_cast<QScrollArea*>(panel.findChild<QTabWidget*>()->currentWidget())
                            ->verticalScrollBar();

@@ -11,6 +11,10 @@ const SliderRow kGamma{"postGamma", "", 0.01, &zre::ZRParams::postGamma};
 const SliderRow kSigma{"smoothness", "", 0.1, &zre::ZRParams::smoothness, "px"};
 const SliderRow kHue{"postHue", "", 1.0, &zre::ZRParams::postHue, "\u00b0"};
 
+const SliderRow kPeak{"minPeak", "", 0.01, &zre::ZRParams::minPeak, "", nullptr, nullptr, "Any"};
+const SliderRow kRadius{"maxRadius", "", 1.0, &zre::ZRParams::maxRadius, "px"};
+const SliderRow kThreshold{"thresholdSigma", "", 0.1, &zre::ZRParams::thresholdSigma, "\u03c3"};
+
 struct Text
 {
     const SliderRow* row;
@@ -24,6 +28,8 @@ constexpr std::array kTexts{
     Text{&kShare, 0.125, true, "12.5 %"},     Text{&kShare, 1.0, true, "100 %"},
     Text{&kGamma, 0.1f, true, "0.10"},        Text{&kGamma, 5.0, false, "5.00"},
     Text{&kSigma, 50.0, true, "50.0 px"},     Text{&kSigma, 2.034f, true, "2.034 px"},
+    Text{&kPeak, 0.0, true, "Any"},           Text{&kPeak, 0.07f, true, "7 %"},
+    Text{&kRadius, 14.0, true, "14 px"},      Text{&kThreshold, 6.0, true, "6.0 \u03c3"},
     Text{&kHue, -180.0, true, "-180 \u00b0"}, Text{&kHue, 0.25, true, "0.25 \u00b0"},
 };
 
@@ -51,6 +57,8 @@ TEST(ValueText, TakesWhatPeopleType)
     EXPECT_EQ(readValue(kShare, "0.4", false), 0.4);
     EXPECT_EQ(readValue(kSigma, "2,5", true), 2.5);
     EXPECT_EQ(readValue(kSigma, "2.5px", true), 2.5);
+    EXPECT_EQ(readValue(kPeak, "any", true), 0.0);
+    EXPECT_EQ(readValue(kThreshold, "4.5", true), 4.5);
     for (const char* nonsense : {"", "px", "%", "two", "inf", "nan", "1e400", "1.2.3", "0x10"})
         EXPECT_FALSE(readValue(kSigma, nonsense, true)) << nonsense;
 }

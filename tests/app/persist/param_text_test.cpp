@@ -97,14 +97,16 @@ TEST(ParamText, EveryFieldComesBackBitForBit)
     std::mt19937 random(1);
     for (int round = 0; round < 20; ++round) {
         Document written;
-        for (const zrproj::ParamKey& row : zrproj::kParamOrder)
+        zrproj::forEachKey([&](const zrproj::ParamKey& row) {
             std::visit(RandomFill{written, random}, row.field);
+        });
         written.params.starErasures = {{1.5, -2.25, 10.0, 0.0, 2}, {1e-3, 1e6, 0.125, 3.5, 0}};
         const QString text = written.text();
         Document back;
         back.read(text);
-        for (const zrproj::ParamKey& row : zrproj::kParamOrder)
+        zrproj::forEachKey([&](const zrproj::ParamKey& row) {
             EXPECT_TRUE(std::visit(SameField{written, back}, row.field)) << row.name;
+        });
         EXPECT_EQ(back.params.starErasures, written.params.starErasures);
         EXPECT_TRUE(back.unknown.isEmpty());
         EXPECT_EQ(back.text(), text);
