@@ -17,8 +17,13 @@ BlobThresholds::BlobThresholds(const std::vector<float>& plane, double threshold
     double median = 0.0;
     double sigma = 0.0;
     residualStats(plane, median, sigma);
-    high = thresholdSigma * sigma + median;
-    low = kLowShare * thresholdSigma * sigma + median;
+    *this = BlobThresholds(median, sigma, thresholdSigma);
+}
+
+BlobThresholds::BlobThresholds(double median, double sigma, double thresholdSigma)
+    : high(thresholdSigma * sigma + median)
+    , low(kLowShare * thresholdSigma * sigma + median)
+{
 }
 
 float BlobThresholds::coverage(float value) const
@@ -40,6 +45,24 @@ void BlobBounds::include(int x, int y)
 void BlobBounds::select(ErasureMask& mask) const
 {
     mask.select(minX, minY, maxX - minX + 1.0, maxY - minY + 1.0);
+}
+
+void Blob::clear()
+{
+    pixels.clear();
+    bounds = {};
+    sum = sumX = sumY = 0.0;
+    peak = -std::numeric_limits<float>::infinity();
+}
+
+void Blob::take(std::size_t pixel, int x, int y, float value)
+{
+    pixels.push_back(pixel);
+    bounds.include(x, y);
+    sum += static_cast<double>(value);
+    sumX += x * static_cast<double>(value);
+    sumY += y * static_cast<double>(value);
+    peak = std::max(peak, value);
 }
 
 bool Blob::bright(float minPeak) const
@@ -139,10 +162,7 @@ void BlobFinder::reach(int x, int y)
 /// Floods from the point on the stack, depth first; false when the blob grows too large.
 bool BlobFinder::grow(Blob& blob)
 {
-    blob.pixels.clear();
-    blob.bounds = {};
-    blob.sum = blob.sumX = blob.sumY = 0.0;
-    blob.peak = -std::numeric_limits<float>::infinity();
+    blob.clear();
     const auto tryReach = [&](int x, int y) {
         if (x < 0 || y < 0 || x >= m_width || y >= m_height)
             return;
@@ -157,13 +177,7 @@ bool BlobFinder::grow(Blob& blob)
         const std::size_t pixel =
             static_cast<std::size_t>(at.y) * static_cast<std::size_t>(m_width) +
             static_cast<std::size_t>(at.x);
-        const float value = m_plane[pixel];
-        blob.pixels.push_back(pixel);
-        blob.bounds.include(at.x, at.y);
-        blob.sum += static_cast<double>(value);
-        blob.sumX += at.x * static_cast<double>(value);
-        blob.sumY += at.y * static_cast<double>(value);
-        blob.peak = std::max(blob.peak, value);
+        blob.take(pixel, at.x, at.y, m_plane[pixel]);
         if (std::max(std::int64_t{blob.bounds.maxX} - blob.bounds.minX,
                      std::int64_t{blob.bounds.maxY} - blob.bounds.minY) > m_maxExtent) {
             m_stack.clear();

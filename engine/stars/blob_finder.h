@@ -17,6 +17,7 @@ struct BlobThresholds
 
     /// `thresholdSigma` times the spread above the median of the plane, and 0.4 of that.
     BlobThresholds(const std::vector<float>& plane, double thresholdSigma);
+    BlobThresholds(double median, double sigma, double thresholdSigma);
 
     /// How much of a pixel of this value is the star's: 0 at `low` to 1 at `high`, a cubic between.
     float coverage(float value) const;
@@ -44,6 +45,9 @@ struct Blob
     double sumX = 0.0;
     double sumY = 0.0;
     float peak = 0.0f;
+
+    void clear();
+    void take(std::size_t pixel, int x, int y, float value);
 
     /// Whether this can be a star; a `minPeak` of 0 sets no floor.
     bool bright(float minPeak) const;

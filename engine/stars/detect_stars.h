@@ -19,6 +19,15 @@ namespace zre {
 void detectStars(const Image& image, std::vector<Star>& stars, Image& starless,
                  const StarDetectParams& params, const std::vector<StarErasure>* erasures);
 
+/// Median and spread of a stars layer. They depend on the layer alone, so that a caller who
+/// searches one layer again and again keeps them.
+struct LayerStats
+{
+    double median = 0.0;
+    double sigma = 0.0;
+};
+LayerStats starsLayerStats(const Image& layer);
+
 /// Finds the stars of a layer that holds nothing else.
 ///
 /// Shape:   `starlessLayer` (may be null) gives the texture behind wiped companions; `keepBack`
@@ -31,5 +40,12 @@ void detectStarsFromResidual(const Image& layer, std::vector<Star>& stars,
                              const StarDetectParams& params, const Image* starlessLayer,
                              const std::vector<StarErasure>* erasures, Image* keepBack,
                              const std::vector<std::uint8_t>* searchMask);
+
+/// The same with what is known of the layer (`known` may be null): a search within a mask then
+/// costs the blobs that it meets, and not the layer.
+void detectStarsFromResidual(const Image& layer, std::vector<Star>& stars,
+                             const StarDetectParams& params, const Image* starlessLayer,
+                             const std::vector<StarErasure>* erasures, Image* keepBack,
+                             const std::vector<std::uint8_t>* searchMask, const LayerStats* known);
 
 } // namespace zre

@@ -5,10 +5,6 @@
 
 namespace zre {
 
-/// Modes of an erasure beyond plain removal.
-static constexpr int kMoveToBackground = 1;
-static constexpr int kBlendIntoGlow = 2;
-
 static constexpr double kLeastFeather = 1e-6;
 
 /// Coverage that is not seen any more.
@@ -29,7 +25,7 @@ void ErasureMask::select(double x, double y, double w, double h)
 bool ErasureMask::hasBlend() const
 {
     return std::any_of(m_selected.begin(), m_selected.end(),
-                       [&](std::size_t i) { return m_erasures[i].mode == kBlendIntoGlow; });
+                       [&](std::size_t i) { return m_erasures[i].mode == kErasureBlends; });
 }
 
 bool ErasureMask::covers(double x, double y) const
@@ -42,8 +38,7 @@ bool ErasureMask::covers(double x, double y) const
     });
 }
 
-/// 1 inside the radius, falling to 0 across the feather.
-static double coverageOf(const StarErasure& e, double x, double y)
+double erasureCoverage(const StarErasure& e, double x, double y)
 {
     const double feather = std::max(e.feather, kLeastFeather);
     const double t = (e.radius + feather - std::hypot(x - e.x, y - e.y)) / feather;
@@ -60,13 +55,13 @@ void ErasureMask::coverageAt(double x, double y, double& remove, double& keepBac
     double blended = 0.0;
     for (const std::size_t i : m_selected) {
         const StarErasure& e = m_erasures[i];
-        const double coverage = coverageOf(e, x, y);
-        if (e.mode == kBlendIntoGlow) {
+        const double coverage = erasureCoverage(e, x, y);
+        if (e.mode == kErasureBlends) {
             blended = std::max(blended, coverage);
             continue;
         }
         remove = std::max(remove, coverage);
-        if (e.mode == kMoveToBackground)
+        if (e.mode == kErasureMovesToBackground)
             keepBack = std::max(keepBack, coverage);
     }
     if (blend)

@@ -39,6 +39,13 @@ private:
     std::vector<std::size_t> m_selected;
 };
 
+/// Modes of an erasure beyond plain removal.
+inline constexpr int kErasureMovesToBackground = 1;
+inline constexpr int kErasureBlends = 2;
+
+/// What one erasure covers of a point: 1 inside the radius, falling to 0 across the feather.
+double erasureCoverage(const StarErasure& erasure, double x, double y);
+
 /// Takes the light that the selected erasures remove out of a star's sprite and coverage. With all
 /// of its coverage at most 0.0001 afterwards, the star is marked erased: depth -1, no sprite.
 void applyErasureToSprite(Star& star, const ErasureMask& mask);
