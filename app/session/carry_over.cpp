@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/session/session.h"
+#include "engine/flight/flyby_script.h"
 #include "engine/image/raster.h"
 
 static constexpr double kLargestAspectChange = 0.01;
@@ -15,6 +16,8 @@ QStringList carryableItems(const Session& session)
     QStringList items;
     if (session.externalDepth.usable())
         items << "the external depth map, resampled";
+    if (!session.flybyScript.trimmed().isEmpty())
+        items << "the flyby path, rescaled to the new pixel size";
     return items;
 }
 
@@ -85,6 +88,11 @@ void rescaleSession(Session& session, QSize oldSize, QSize newSize)
         erasure.x *= scaleX;
         erasure.y *= scaleY;
     }
+    if (!session.flybyScript.isEmpty()) {
+        session.flybyScript = QString::fromStdString(
+            zre::scaleFlybyScriptCoords(session.flybyScript.toStdString(), scaleX, scaleY));
+        session.flybyScriptSize = newSize;
+    }
 
     const zre::Image& map = session.externalDepth;
     if (!map.usable() || QSize(map.width, map.height) == newSize)
@@ -98,4 +106,6 @@ void startFresh(Session& session)
 {
     session.installExternalDepth({}, {});
     session.params.starErasures.clear();
+    session.flybyScript.clear();
+    session.flybyScriptSize = QSize();
 }

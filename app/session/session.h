@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 
 #include "engine/astro/wcs.h"
@@ -23,6 +24,9 @@ struct Session
 
     QString depthMapPath;
     zre::Image externalDepth; ///< not usable when none is loaded
+
+    QString flybyScript;   ///< empty for the built-in flyby
+    QSize flybyScriptSize; ///< of the picture that the script was written for
 
     zre::ZRParams params;
     int outputMode = 2; ///< the output view shown

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "app/export/motion_frame.h"
+#include "app/session/flyby_path.h"
+
+class RenderPipeline;
+struct Session;
+
+/// What the frames of the session's parallax motion, or of its flyby, are made of, up to date: the
+/// working image, the depth map and the stars of `pipeline`, which have to outlive the result and
+/// stay as they are. Without a source the images are null.
+MotionInputs motionInputs(const Session& session, RenderPipeline& pipeline, bool flyby,
+                          const FlybyOptions& options);
