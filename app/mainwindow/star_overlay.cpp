@@ -17,10 +17,10 @@ constexpr QColor kUnder(0, 0, 0, 190); // keeps the ring visible on bright groun
 constexpr QColor kVeil(0, 0, 0, 165);
 constexpr double kRingWidth = 1.4;
 constexpr double kUnderWidth = 4.0;
-constexpr double kDotRadius = 1.5;
+constexpr double kDotRadius = 1.9;
 constexpr double kStampRadius = 32.0; ///< larger rings are few in sight, and drawn one by one
 /// Rings that would cover more of the view than this share become dots.
-constexpr double kCrowded = 0.5;
+constexpr double kCrowded = 1.2;
 
 void strokeRing(QPainter& painter, QPointF center, double radius, const QColor& color, double width)
 {

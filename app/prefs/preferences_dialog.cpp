@@ -1,5 +1,6 @@
 #include "app/prefs/preferences_dialog.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -11,6 +12,8 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -63,6 +66,18 @@ QHBoxLayout* rowOf(std::initializer_list<QWidget*> widgets)
     return row;
 }
 
+/// `page` in a frame that scrolls where the screen is too low for it.
+QScrollArea* scrolling(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setWidget(page);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    return area;
+}
+
 } // namespace
 
 PreferencesDialog::PreferencesDialog(PreferenceQuestions questions, QWidget* parent)
@@ -70,22 +85,29 @@ PreferencesDialog::PreferencesDialog(PreferenceQuestions questions, QWidget* par
     , m_questions(std::move(questions))
 {
     setWindowTitle("Preferences");
-    auto* column = new QVBoxLayout(this);
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
     column->setSpacing(8);
     for (QWidget* group : {interfaceGroup(), toolbarGroup(), foldersGroup(), renderingGroup(),
                            videoGroup(), modelsGroup()})
         column->addWidget(group);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    column->addSpacing(4);
-    column->addWidget(buttons);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(scrolling(page));
+    outer->addWidget(buttons);
+    buttons->setContentsMargins(8, 0, 8, 8);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
             &PreferencesDialog::refreshLook);
     for (QPushButton* button : findChildren<QPushButton*>())
         button->setAutoDefault(button->parent() == buttons);
-    setMinimumWidth(560);
     refreshLook();
     refreshPaths();
+    constexpr int kAroundWindow = 80; // title bar and panels of a desktop
+    setMinimumWidth(580);
+    resize(580, std::min(page->sizeHint().height() + buttons->sizeHint().height() + 12,
+                         screen()->availableGeometry().height() - kAroundWindow));
 }
 
 QLabel* PreferencesDialog::hint(const QString& text)

@@ -2,9 +2,11 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -95,6 +97,24 @@ static bool grabPreviewTools(MainWindow& window, const QString& folder)
     return grabDrag(window, folder) && saved;
 }
 
+/// The rings about the stars found, and the dialog of their rims.
+static bool grabStars(MainWindow& window, const QString& folder)
+{
+    auto& tabs = *window.findChild<ControlPanel*>()->findChild<QTabWidget*>();
+    tabs.setCurrentIndex(0);
+    switchOn(window, "showFoundStars", true);
+    bool saved = grab(window, folder, "window-found-stars");
+    window.findChild<QAction*>("zoomToPixels")->trigger();
+    saved = grab(window, folder, "window-found-stars-pixels") && saved;
+    window.findChild<QAction*>("zoomToFit")->trigger();
+    window.findChild<QPushButton*>("starProfile")->click();
+    auto* dialog = window.findChild<QDialog*>("starProfileDialog");
+    saved = grab(*dialog, folder, "star-profile") && saved;
+    dialog->reject();
+    switchOn(window, "showFoundStars", false);
+    return saved;
+}
+
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
 /// empty and with IMAGE or the built-in scene in each view, tab and theme.
 int main(int argc, char** argv)
@@ -139,6 +159,7 @@ int main(int argc, char** argv)
     }
     tabs.setCurrentIndex(0);
     saved = grabPreviewTools(window, arguments[1]) && saved;
+    saved = grabStars(window, arguments[1]) && saved;
     theme.setModeTransient(ThemeManager::Mode::Light);
     saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;
