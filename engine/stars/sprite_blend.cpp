@@ -94,24 +94,23 @@ ZR_KERNEL_STEP void between(const float* from, std::size_t step, const Lanes& sh
     out = out + (right - out) * share;
 }
 
-/// Columns that `sampleEvenly` may do in whole lanes, given the samples left from the first on: it
-/// reads up to `channels` samples beyond the last lane.
+/// Columns that may be done in whole lanes, given the samples left from the first one on: a lane
+/// reads the pixel behind it too, and the last pixel of a row has no neighbour.
 ZR_KERNEL_STEP std::size_t wholeLanes(const Blend& b, std::size_t left, std::size_t channels)
 {
     const std::size_t pixels = left / channels;
     const std::size_t readable = pixels > 0 ? (pixels - 1) / kLanes * kLanes : 0;
-    return std::min(readable, b.padded);
+    const std::size_t column = static_cast<std::size_t>(b.columns->at[0]);
+    const bool toTheEnd = column + b.columns->count >= b.boxWidth;
+    const std::size_t most = toTheEnd ? (b.columns->count - 1) / kLanes * kLanes : b.padded;
+    return std::min(readable, most);
 }
 
 /// A row of three interleaved colours, or of one, at a share that all columns have in common.
 ZR_KERNEL_STEP void lightEvenly(const Blend& b, std::size_t start, float* __restrict out)
 {
-    const std::size_t column = static_cast<std::size_t>(b.columns->at[0]);
-    const std::size_t first = start + column * b.channels;
+    const std::size_t first = start + static_cast<std::size_t>(b.columns->at[0]) * b.channels;
     std::size_t whole = wholeLanes(b, b.lightSize - first, b.channels);
-    // The last column may lie on the last sample, which has no neighbour.
-    if (column + b.columns->count >= b.boxWidth)
-        whole = std::min(whole, (b.columns->count - 1) / kLanes * kLanes);
     const float one = b.columns->share[0];
     const Lanes share{one, one, one, one, one, one, one, one};
     const float* const row = b.light + first;
@@ -153,11 +152,8 @@ ZR_KERNEL_STEP void markColumns(std::size_t left, Marks& marks)
 
 ZR_KERNEL_STEP void coverEvenly(const Blend& b, std::size_t start, float* __restrict out)
 {
-    const std::size_t column = static_cast<std::size_t>(b.columns->at[0]);
-    const std::size_t first = start + column;
-    std::size_t whole = wholeLanes(b, b.coverSize - first, 1);
-    if (column + b.columns->count >= b.boxWidth)
-        whole = std::min(whole, (b.columns->count - 1) / kLanes * kLanes);
+    const std::size_t first = start + static_cast<std::size_t>(b.columns->at[0]);
+    const std::size_t whole = wholeLanes(b, b.coverSize - first, 1);
     const float one = b.columns->share[0];
     const Lanes share{one, one, one, one, one, one, one, one};
     for (std::size_t i = 0; i < whole; i += kLanes) {
