@@ -159,22 +159,26 @@ void wantRow(const float* row, std::size_t samples, std::vector<const float*>& w
 }
 
 /// The cache lines that drawing a star will touch.
-void wantSamples(const Placed& placed, const Image& frame, std::vector<const float*>& wanted)
+void wantSamples(const Placed& placed, const Frame& frame, std::vector<const float*>& wanted)
 {
     constexpr int kMostRows = 64;
     const Star& star = *placed.star;
+    const std::size_t width = static_cast<std::size_t>(frame.image.width);
     const int left = placed.across.firstPixel();
     const int top = placed.down.firstPixel();
     const int bottom = std::min(placed.down.lastPixel(), top + kMostRows);
     // Up to the line of the last pixel, however the row lies on the lines.
     const std::size_t samples =
         std::min(static_cast<std::size_t>(placed.across.lastPixel() - left) + kLineSamples,
-                 static_cast<std::size_t>(frame.width - left));
-    for (int y = top; y <= bottom; ++y)
-        for (int c = 0; c < frame.channels; ++c)
-            wantRow(frame.plane(c) +
-                        static_cast<std::size_t>(y) * static_cast<std::size_t>(frame.width) + left,
-                    samples, wanted);
+                 width - static_cast<std::size_t>(left));
+    for (int y = top; y <= bottom; ++y) {
+        const std::size_t start =
+            static_cast<std::size_t>(y) * width + static_cast<std::size_t>(left);
+        for (int c = 0; c < frame.image.channels; ++c)
+            wantRow(frame.image.plane(c) + start, samples, wanted);
+        if (frame.depthMap && frame.occlusion > star.depth)
+            wantRow(frame.depthMap->plane(0) + start, samples, wanted);
+    }
     wantRow(star.sprite.data(), star.sprite.size(), wanted);
     wantRow(star.alpha.data(), star.alpha.size(), wanted);
 }
@@ -199,7 +203,7 @@ public:
             if (i < stars.size())
                 next = place(stars[i], m_motion, m_frame.image);
             if (next.visible)
-                wantSamples(next, m_frame.image, m_wanted);
+                wantSamples(next, m_frame, m_wanted);
             Placed& slot = ahead[i % kAhead];
             if (slot.visible)
                 draw(slot);
