@@ -7,6 +7,7 @@
 #include "engine/demo/demo_scene.h"
 #include "engine/image/blur.h"
 #include "engine/stars/detect_stars.h"
+#include "engine/stars/heal_starless.h"
 #include "tests/engine/stars/star_quality.h"
 
 namespace {
@@ -79,7 +80,21 @@ void detectstars_blur(benchmark::State& state)
     countPixels(state, benchWidth(), benchHeight());
 }
 
+/// What the better base costs on top of detection.
+void healstarless_ours(benchmark::State& state)
+{
+    Bench& b = Bench::instance();
+    zre::detectStars(b.scene.picture, b.stars, b.starless, {}, nullptr);
+    for (auto _ : state) {
+        zre::healStarless(b.scene.picture, b.stars, b.starless);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, benchWidth(), benchHeight());
+    countQuality(state, zrtest::starQuality(b.scene, b.stars, b.starless));
+}
+
 BENCHMARK(detectstars_ours)->Unit(benchmark::kMillisecond);
 BENCHMARK(detectstars_blur)->Unit(benchmark::kMillisecond);
+BENCHMARK(healstarless_ours)->Unit(benchmark::kMillisecond);
 
 } // namespace
