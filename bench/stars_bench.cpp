@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -8,6 +9,7 @@
 #include "engine/image/blur.h"
 #include "engine/stars/detect_stars.h"
 #include "engine/stars/heal_starless.h"
+#include "engine/stars/star_list.h"
 #include "tests/engine/stars/star_quality.h"
 
 namespace {
@@ -93,6 +95,84 @@ void healstarless_ours(benchmark::State& state)
     countQuality(state, zrtest::starQuality(b.scene, b.stars, b.starless));
 }
 
+/// The stars of the scene as a layer of their own, and an erasure over one of the brightest.
+struct LayerBench
+{
+    Bench& bench = Bench::instance();
+    zre::Image layer = bench.scene.picture;
+    zre::StarDetectParams params;
+    std::vector<zre::Star> stars;
+    std::vector<zre::StarErasure> erasures;
+    std::vector<std::uint8_t> mask;
+    zre::LayerStats stats;
+
+    LayerBench()
+    {
+        for (std::size_t i = 0; i < layer.data.size(); ++i)
+            layer.data[i] = std::max(0.0f, layer.data[i] - bench.scene.starless.data[i]);
+        params.splitRatio = 0.6f;
+        zre::detectStarsFromResidual(layer, stars, params, &bench.scene.starless, nullptr, nullptr,
+                                     nullptr);
+        const auto brighter = [](const zre::Star& a, const zre::Star& b) {
+            return a.peak < b.peak;
+        };
+        const zre::Star& star = *std::max_element(stars.begin(), stars.end(), brighter);
+        erasures = {{star.x + 3.0, star.y, 4.0, 1.0, 0}};
+        mask.assign(layer.pixelCount(), 0);
+        for (int y = -6; y <= 6; ++y)
+            for (int x = -6; x <= 6; ++x) {
+                const int px = std::clamp(static_cast<int>(star.x) + 3 + x, 0, layer.width - 1);
+                const int py = std::clamp(static_cast<int>(star.y) + y, 0, layer.height - 1);
+                mask[static_cast<std::size_t>(py) * static_cast<std::size_t>(layer.width) +
+                     static_cast<std::size_t>(px)] = 1;
+            }
+        stats = zre::starsLayerStats(layer);
+    }
+
+    static LayerBench& instance()
+    {
+        static LayerBench bench;
+        return bench;
+    }
+};
+
+void erasure_ours(benchmark::State& state)
+{
+    LayerBench& b = LayerBench::instance();
+    std::vector<zre::Star> fresh;
+    std::vector<zre::Star> stars = b.stars;
+    std::size_t replaced = 0;
+    for (auto _ : state) {
+        zre::detectStarsFromResidual(b.layer, fresh, b.params, &b.bench.scene.starless, &b.erasures,
+                                     nullptr, &b.mask, &b.stats);
+        replaced = zre::spliceStarsByCentroid(stars, fresh);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, benchWidth(), benchHeight());
+    std::vector<zre::Star> whole;
+    zre::detectStarsFromResidual(b.layer, whole, b.params, &b.bench.scene.starless, &b.erasures,
+                                 nullptr, nullptr);
+    state.counters["quality:stars replaced"] = static_cast<double>(replaced);
+    state.counters["quality:stars that differ from a search of the whole"] =
+        static_cast<double>(std::count_if(whole.begin(), whole.end(), [&](const zre::Star& star) {
+            return std::find(stars.begin(), stars.end(), star) == stars.end();
+        }));
+}
+
+void erasure_scratch(benchmark::State& state)
+{
+    LayerBench& b = LayerBench::instance();
+    std::vector<zre::Star> fresh;
+    for (auto _ : state) {
+        zre::detectStarsFromResidual(b.layer, fresh, b.params, &b.bench.scene.starless, &b.erasures,
+                                     nullptr, nullptr);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, benchWidth(), benchHeight());
+}
+
+BENCHMARK(erasure_ours)->Unit(benchmark::kMillisecond);
+BENCHMARK(erasure_scratch)->Unit(benchmark::kMillisecond);
 BENCHMARK(detectstars_ours)->Unit(benchmark::kMillisecond);
 BENCHMARK(detectstars_blur)->Unit(benchmark::kMillisecond);
 BENCHMARK(healstarless_ours)->Unit(benchmark::kMillisecond);
