@@ -142,7 +142,7 @@ void MainWindow::buildMenus()
                   &MainWindow::zoomIn},
         ActionRow{kView, "zoomOut", "Zoom &Out", Key::ZoomOut, "", Gate::NeedsImage,
                   &MainWindow::zoomOut},
-        ActionRow{kView, "zoomToFit", "&Fit in Window", Key::UnknownKey, "F; Ctrl+0",
+        ActionRow{kView, "zoomToFit", "Fit in &Window", Key::UnknownKey, "F; Ctrl+0",
                   Gate::NeedsImage, &MainWindow::zoomToFit},
         ActionRow{kView, "zoomToPixels", "Actual &Pixels (1:1)", Key::UnknownKey, "Ctrl+1",
                   Gate::NeedsImage, &MainWindow::zoomToPixels},

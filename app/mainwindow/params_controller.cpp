@@ -74,6 +74,8 @@ void ParamsController::documentReplaced()
 {
     m_history.clear();
     syncUiFromParams();
+    m_panel->updateMaxStarsRange(0); // none have been looked for
+    m_panel->updateStarControlsEnabled(false, m_host.session().hasPair());
     setImageGatedSectionsEnabled(m_host.session().hasSource());
 }
 

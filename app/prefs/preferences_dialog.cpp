@@ -43,6 +43,8 @@ constexpr std::array kToolbarRows{
 
 constexpr std::array kModes{"System", "Light", "Dark"}; // in the order of ThemeManager::Mode
 
+constexpr int kHintWidth = 400; ///< a wrapped text without one asks for more lines than it needs
+
 QIcon swatch(const QColor& color, const QColor& edge)
 {
     QIcon icon;
@@ -114,6 +116,7 @@ QLabel* PreferencesDialog::hint(const QString& text)
 {
     auto* label = new QLabel(text);
     label->setWordWrap(true);
+    label->setMinimumWidth(kHintWidth);
     m_hints << label;
     return label;
 }

@@ -143,6 +143,17 @@ TEST_F(Preferences, TheWarningIsWantedWhileItIsNotDismissed)
     EXPECT_TRUE(appcfg::ffmpegWarningDismissed());
 }
 
+TEST_F(Preferences, TheColorOfStarsIsStoredBeforeItIsTold)
+{
+    PreferencesDialog dialog(answers());
+    bool told = true;
+    QObject::connect(&dialog, &PreferencesDialog::settingsChanged, &dialog,
+                     [&told] { told = appcfg::starTrueColor(); });
+    dialog.findChild<QCheckBox*>("starTrueColor")->click();
+    EXPECT_FALSE(told);
+    EXPECT_FALSE(PreferencesDialog(answers()).findChild<QCheckBox*>("starTrueColor")->isChecked());
+}
+
 TEST_F(Preferences, AToolbarSwitchIsStoredBeforeItIsTold)
 {
     PreferencesDialog dialog(answers());
