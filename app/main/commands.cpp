@@ -25,6 +25,7 @@ constexpr std::array kCommands{
     Command{"--selftest-icons", 1, diag::icons},
     Command{"--selftest-ranges", 1, diag::ranges},
     Command{"--selftest-sliders", 1, diag::sliders},
+    Command{"--selftest-startable", 1, diag::starTable},
 };
 
 } // namespace

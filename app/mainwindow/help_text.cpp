@@ -49,6 +49,12 @@ constexpr std::array kTabHelp{
                   "all of them toward you. With an Occultation threshold, matter in front hides "
                   "stars. Max stars draws the brightest only. Advanced Star Profiling sets how "
                   "soft the rims of the stars are."},
+    HelpParagraph{"Stars", "Star table",
+                  "View > Star Table (Ctrl+T) lists every star that was found. The star selected "
+                  "is ringed in the preview, and a click into the preview selects the star there. "
+                  "A click into its sprite erases a disc of its light, a companion or a spike; "
+                  "Ctrl and the wheel set the size of the disc, Shift erases within another disc, "
+                  "Del deletes the disc selected. The other stars keep their places and depths."},
     HelpParagraph{"Depth", "Depth filters",
                   "What is done to the finished depth map. Smoothness calms it, Edge preservation "
                   "keeps its outlines while it does, and Depth gamma above 1 pushes all but the "

@@ -45,7 +45,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
                            m_preview->setPreview(std::move(picture), processed);
                        },
                        [this] { syncParamsFromUi(); }, [this] { return activeColorRows(); },
-                       [this] { pictureShown(); }})
+                       [this] { pictureShown(); }, [this] { return depthInUse(); }})
     , m_params(*this, [this] { onParamsChanged(); })
     , m_colorPick(*this, *m_preview,
                   [this](int row, const QColor& color) { m_params.setPickedColor(row, color); })
@@ -56,6 +56,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
           opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
           pairOpener())
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
+    , m_starTable(*this, *this, *m_preview, [this] { renderNow(); })
     , m_preferences(
           *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
 {
@@ -153,6 +154,8 @@ void MainWindow::buildMenus()
                   nullptr, &MainWindow::showDepthInColor},
         ActionRow{kView, "showFoundStars", "Show &Found Stars", Key::UnknownKey, "O",
                   Gate::NeedsImage, nullptr, &MainWindow::showFoundStars},
+        ActionRow{kView, "showStarTable", "Star &Table...", Key::UnknownKey, "Ctrl+T",
+                  Gate::NeedsImage, &MainWindow::showStarTable},
         ActionRow{kHelp, "showTabHelp", "Help for This &Tab", Key::HelpContents, "F1", Gate::Always,
                   &MainWindow::showTabHelp},
         ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::UnknownKey, "Ctrl+/",
@@ -302,6 +305,7 @@ void MainWindow::documentReplaced()
         view->setChecked(view->data().toInt() == m_session.outputMode);
     m_params.documentReplaced();
     m_starOverlay.documentReplaced();
+    m_starTable.documentReplaced();
     m_render.showDocument();
     updateGates();
 }
@@ -343,6 +347,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->setAccepted(!m_busy.active());
     if (!event->isAccepted())
         return;
+    m_starTable.closeStarTable();
     appcfg::setWindowGeometry(saveGeometry());
     appcfg::setSplitterState(m_splitter->saveState());
 }
@@ -420,6 +425,7 @@ void MainWindow::onParamsChanged()
 
 void MainWindow::pictureShown()
 {
+    refreshStarTableWindow(); // first: it may ring a star among those that the overlay takes over
     m_starOverlay.pictureShown();
     m_params.syncStarControls();
 }

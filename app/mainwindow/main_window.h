@@ -19,6 +19,7 @@
 #include "app/mainwindow/shell_host.h"
 #include "app/mainwindow/stage_display.h"
 #include "app/mainwindow/star_overlay_controller.h"
+#include "app/mainwindow/star_table_controller.h"
 #include "app/mainwindow/still_controller.h"
 #include "app/persist/appcfg.h"
 #include "app/session/carry_over.h"
@@ -99,6 +100,9 @@ public:
 
     bool busyRun(const std::function<void()>& work) override;
     void renderNow() { m_render.renderNow(); }
+    void refreshStarTableWindow() { m_starTable.refreshStarTableWindow(); }
+    /// Whether something before the user needs the depth map, as the star table does in any view.
+    bool depthInUse() const { return m_starTable.isOpen() || m_render.viewNeedsDepth(); }
     void stageStatus(int percent, const QString& text) override { m_stages.stage(percent, text); }
 
 protected:
@@ -154,6 +158,7 @@ private:
     void zoomOut();
     void zoomToFit();
     void zoomToPixels();
+    void showStarTable() { m_starTable.showStarTable(); }
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }
     void pictureShown();
@@ -179,6 +184,7 @@ private:
     RecentController m_recent;
     DropController m_drops;
     StillController m_stills;
+    StarTableController m_starTable;
     PreferencesController m_preferences;
     QSplitter* m_splitter = nullptr;  ///< owned by the window
     MainToolbar* m_toolbar = nullptr; ///< owned by the window

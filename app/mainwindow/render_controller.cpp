@@ -73,6 +73,8 @@ void RenderController::renderNow()
         std::optional<ProgressScope> progress;
         if (withProgress)
             progress.emplace(m_host, "Updating depth map", "Building depth map...");
+        if (m_hooks.depthInUse && m_hooks.depthInUse())
+            m_host.pipeline().prepareStars();
         updatePreview();
     });
 }
@@ -106,6 +108,14 @@ void RenderController::updatePreview()
     m_host.showStatus(failure.isEmpty() ? status : status + "  -  " + failure);
     if (m_hooks.shown)
         m_hooks.shown();
+}
+
+bool RenderController::viewNeedsDepth() const
+{
+    constexpr int kFirst = 1;
+    constexpr int kLast = 3;
+    const int view = m_host.session().outputMode;
+    return view >= kFirst && view <= kLast;
 }
 
 void RenderController::setDepthInColor(bool inColor)

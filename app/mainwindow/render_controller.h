@@ -26,6 +26,8 @@ public:
         std::function<int()> activeColorRows; ///< colour rows that are switched on
         /// A picture stands before the user with its status text; empty for nothing to do then.
         std::function<void()> shown = {};
+        /// Whether more than the view needs the depth map and the stars; empty for no.
+        std::function<bool()> depthInUse = {};
     };
 
     RenderController(ShellHost& host, Hooks hooks);
@@ -40,6 +42,8 @@ public:
     void renderNow();
     /// Renders the current view and shows it, with its status text.
     void updatePreview();
+    /// Whether the view shown is made with the depth map.
+    bool viewNeedsDepth() const;
     /// Whether the depth view shows colours instead of greys, on the screen only.
     void setDepthInColor(bool inColor);
     /// The current view at full size and with gains of 1, as it goes to a file. False without a

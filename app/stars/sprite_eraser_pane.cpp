@@ -166,9 +166,9 @@ void SpriteEraserPane::showPicture(bool same)
     startable::StarPicture picture =
         startable::starPicture(scene, m_star, static_cast<startable::Look>(m_look->currentIndex()),
                                m_brighten->isChecked());
-    m_shown = QRect(picture.origin, picture.image.size());
+    const QRect before = std::exchange(m_shown, {picture.origin, picture.image.size()});
     m_erasures = scene.erasures;
-    m_view->setPicture(std::move(picture), same);
+    m_view->setPicture(std::move(picture), same && before.intersects(m_shown));
     showErasures();
 }
 

@@ -31,6 +31,8 @@ void StarTableModel::setStars(const std::vector<zre::Star>& stars, const zre::Wc
     std::transform(stars.begin(), stars.end(), rows.begin(), rowOf);
     m_hidden = static_cast<int>(
         std::count_if(rows.begin(), rows.end(), [](const Row& row) { return row.depth < 0.0f; }));
+    m_knowsDistances =
+        std::any_of(rows.begin(), rows.end(), [](const Row& row) { return row.distancePc > 0.0f; });
     const bool solutionChanged = wcs.solution != m_wcs.solution || wcs.valid != m_wcs.valid;
     m_wcs = wcs;
     if (rows.size() == m_rows.size()) {

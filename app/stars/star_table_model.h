@@ -58,6 +58,8 @@ public:
     int nearest(QPointF place, double reach) const;
     /// Stars that are not drawn.
     int hiddenCount() const { return m_hidden; }
+    /// Whether the distance of any star is known.
+    bool knowsDistances() const { return m_knowsDistances; }
     /// How often the solution was asked since the model was made.
     int skyLookups() const { return m_skyLookups; }
 
@@ -68,6 +70,7 @@ private:
 
     std::vector<startable::Row> m_rows;
     int m_hidden = 0;
+    bool m_knowsDistances = false;
     zre::Wcs m_wcs;
     /// Found when first asked for; the outer one tells whether it was.
     mutable std::vector<std::optional<std::optional<SkyPlace>>> m_sky;

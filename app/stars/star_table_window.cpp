@@ -49,8 +49,8 @@ StarTableWindow::StarTableWindow(std::function<startable::Scene()> scene, QWidge
     layout->addWidget(m_splitter, 1);
     layout->addWidget(buildFoot());
     connect(m_pane, &SpriteEraserPane::erasuresEdited, this, &StarTableWindow::erasuresEdited);
-    resize(1060, 620);
-    m_splitter->setSizes({640, 400});
+    resize(1080, 640);
+    m_splitter->setSizes({680, 400});
     restoreGeometry(appcfg::starTableGeometry());
     showCount();
 }
@@ -109,7 +109,7 @@ QWidget* StarTableWindow::buildTable()
     m_table->horizontalHeader()->setHighlightSections(false);
     for (const startable::ColumnInfo& column : startable::kColumns)
         m_table->setColumnWidth(startable::columnNumber(column.column),
-                                fontMetrics().horizontalAdvance(column.widest) + 24);
+                                fontMetrics().horizontalAdvance(column.widest) + 16);
     m_table->sortByColumn(startable::columnNumber(startable::Column::Index), Qt::AscendingOrder);
     m_table->setSortingEnabled(true);
     m_table->setMinimumWidth(180);
@@ -167,6 +167,18 @@ void StarTableWindow::showCount()
     m_pages->setCurrentIndex(all > 0 ? 0 : 1);
 }
 
+/// Leaves out what is known of no star.
+void StarTableWindow::showKnownColumns(bool solved)
+{
+    using startable::Column;
+    const auto show = [this](Column column, bool known) {
+        m_table->setColumnHidden(startable::columnNumber(column), !known);
+    };
+    show(Column::Distance, m_stars.knowsDistances());
+    show(Column::Ra, solved);
+    show(Column::Dec, solved);
+}
+
 void StarTableWindow::setEmptyText(const QString& text)
 {
     m_empty->setText(text);
@@ -178,7 +190,8 @@ void StarTableWindow::refresh()
     const int scrolledTo = m_table->verticalScrollBar()->value();
     const startable::Scene scene = m_scene();
     m_refreshing = true;
-    m_stars.setStars(scene.stars ? *scene.stars : std::vector<zre::Star>(), scene.wcs);
+    static const std::vector<zre::Star> kNone;
+    m_stars.setStars(scene.stars ? *scene.stars : kNone, scene.wcs);
     constexpr double kSameStar = 1.5; // pixels
     if (before >= 0 && selectedStar() < 0) {
         const int again = m_stars.nearest(m_selectedPlace, kSameStar);
@@ -186,6 +199,7 @@ void StarTableWindow::refresh()
         if (row.isValid())
             m_table->selectRow(row.row());
     }
+    showKnownColumns(scene.wcs.valid);
     m_table->verticalScrollBar()->setValue(scrolledTo);
     m_refreshing = false;
     showCount();

@@ -59,6 +59,7 @@ private:
     QWidget* buildFoot();
     void applyFilter();
     void showCount();
+    void showKnownColumns(bool solved);
     void onSelectionChanged();
 
     std::function<startable::Scene()> m_scene;

@@ -19,6 +19,9 @@ int sliders(const QStringList& arguments);
 int depthResolution(const QStringList& arguments);
 /// No speck of an unfilled hole is left in a warped frame.
 int warpComb(const QStringList& arguments);
+/// The star table of the image file that the argument names, or of the built-in scene when there is
+/// none: its rows, its order, its file, and a star erased and brought back.
+int starTable(const QStringList& arguments);
 /// The lists of recent files: categories, length, and the filing of the old list. Keeps to a store
 /// of its own.
 int recentFiles(const QStringList& arguments);
