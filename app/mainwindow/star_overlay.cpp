@@ -69,7 +69,8 @@ public:
 private:
     QImage make(double radius, const QColor& color) const
     {
-        const int half = static_cast<int>(std::ceil(radius + kUnderWidth)) + 1;
+        const double reach = m_dots ? kDotRadius + 0.5 : radius + 0.5 * kUnderWidth;
+        const int half = static_cast<int>(std::ceil(reach)) + 1;
         QImage stamp(2 * half, 2 * half, QImage::Format_ARGB32_Premultiplied);
         stamp.fill(Qt::transparent);
         QPainter painter(&stamp);
