@@ -34,10 +34,10 @@ std::vector<std::uint8_t> erasureSearchMask(const std::vector<zre::StarErasure>&
     std::vector<std::uint8_t> mask(stride * static_cast<std::size_t>(height));
     for (const zre::StarErasure& e : erasures) {
         const double half = e.radius + e.feather;
-        const int left = bound(std::floor(e.x - half), width);
+        const int left = bound(std::floor(e.x - half) - 1.0, width);
         const int right = bound(std::floor(e.x + half) + 2.0, width);
         const int bottom = bound(std::floor(e.y + half) + 2.0, height);
-        for (int y = bound(std::floor(e.y - half), height); y < bottom; ++y) {
+        for (int y = bound(std::floor(e.y - half) - 1.0, height); y < bottom; ++y) {
             const auto row = mask.begin() + static_cast<std::ptrdiff_t>(y) * width;
             if (left < right)
                 std::fill(row + left, row + right, std::uint8_t{1});

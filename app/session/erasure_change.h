@@ -11,6 +11,6 @@ std::vector<zre::StarErasure> changedErasures(const std::vector<zre::StarErasure
                                               const std::vector<zre::StarErasure>& now);
 
 /// One byte a pixel: 1 in the square that radius and feather span about each erasure, one pixel
-/// wider on the far sides, within the image.
+/// wider within the image: an erasure acts on a star whose box it only touches.
 std::vector<std::uint8_t> erasureSearchMask(const std::vector<zre::StarErasure>& erasures,
                                             int width, int height);

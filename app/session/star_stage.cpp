@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include <QFile>
+#include <QFileInfo>
+
 #include "app/session/erasure_change.h"
 #include "app/session/keyed.h"
 #include "app/session/star_detection.h"
@@ -18,6 +21,19 @@ enum StarInputMode
     kStarsOfTheImage = 0,
     kStarsOfAPair = 2
 };
+
+/// The picture less its starless half, as both were seen; never below 0.
+zre::Image starsBetween(const zre::Image& picture, const zre::Image& starless)
+{
+    zre::Image layer = picture;
+    for (int c = 0; c < layer.channels; ++c) {
+        const float* taken = starless.plane(std::min(c, starless.channels - 1));
+        float* light = layer.plane(c);
+        for (std::size_t i = 0; i < layer.pixelCount(); ++i)
+            light[i] = std::max(0.0f, light[i] - taken[i]);
+    }
+    return layer;
+}
 
 /// The model answers a grey picture in colour, and its planes differ a little.
 void makeGrey(zre::Image& image)
@@ -83,7 +99,17 @@ StarRoad StarStage::road() const
     const zre::ZRParams& p = session.params;
     if (!p.starSeparationEnabled)
         return StarRoad::Off;
-    return StarRoad::Classical;
+    if (session.hasPair())
+        return StarRoad::Pair;
+    return canLearn() ? StarRoad::Learned : StarRoad::Classical;
+}
+
+/// The runtime is a large library that speaks when it comes up: without a model it is not asked for.
+bool StarStage::canLearn() const
+{
+    return session.params.aiStarSeparation && learnedFailedFor != learnedKey() &&
+           QFileInfo(QFile::decodeName(zre::StarlessAI::modelPath().c_str())).isFile() &&
+           zre::StarlessAI::available(nullptr);
 }
 
 QString StarStage::learnedKey() const
@@ -200,6 +226,10 @@ void StarStage::prepare()
         learnedFailedFor.reset(); // switched on again it is tried again
     if (!p.starSeparationEnabled)
         leaveStarsIn();
+    else if (session.hasPair())
+        detectInLayer(StarRoad::Pair, session.starless, Base::Pair);
+    else if (const zre::Image* starless = ensureAiStarless())
+        detectInLayer(StarRoad::Learned, *starless, Base::Learned);
     else
         detectClassically();
     p.sourceIsStarless = p.starSeparationEnabled;
@@ -219,8 +249,7 @@ void StarStage::leaveStarsIn()
 const zre::Image* StarStage::ensureAiStarless()
 {
     const QString key = learnedKey();
-    if (!session.params.aiStarSeparation || learnedFailedFor == key ||
-        !zre::StarlessAI::available(nullptr))
+    if (!canLearn())
         return nullptr;
     if (learnedStandsFor == key)
         return &learned;
@@ -262,4 +291,60 @@ void StarStage::detectClassically()
     recolor(starList);
     base = Base::Own;
     nowStandsFor(key, StarRoad::Classical);
+}
+
+void StarStage::detectInLayer(StarRoad road, const zre::Image& starless, Base untouched)
+{
+    const QString key = detectionKey(road);
+    if (standsFor(key))
+        return;
+    zre::Image difference;
+    if (road == StarRoad::Learned)
+        difference = starsBetween(session.source, starless);
+    const zre::Image& layer = road == StarRoad::Learned ? difference : session.starsLayer;
+    const zre::StarDetectParams detect = detectParams(road);
+    const bool onlyErasuresChanged = starsKey == key;
+    starsKey.reset();
+    own = zre::Image();
+    zre::Image light;
+    zre::Image* keepBack = givesLightBack(detect) ? &light : nullptr;
+    if (!onlyErasuresChanged || !tryIncrementalErasureUpdate(layer, starless, detect, keepBack))
+        detectAll(road, layer, starless, keepBack);
+    base = untouched;
+    if (light.usable()) {
+        own = zre::compositeStarlessStars(starless, light);
+        base = Base::Own;
+    }
+    nowStandsFor(key, road);
+}
+
+void StarStage::detectAll(StarRoad road, const zre::Image& layer, const zre::Image& starless,
+                          zre::Image* keepBack)
+{
+    report(kDetectionPercent, road == StarRoad::Pair ? QStringLiteral("Reading stars layer...")
+                                                     : QStringLiteral("Locating stars (AI)..."));
+    ++fullDetections;
+    zre::detectStarsFromResidual(layer, starList, detectParams(road), &starless,
+                                 &session.params.starErasures, keepBack, nullptr);
+    recolor(starList);
+}
+
+bool StarStage::tryIncrementalErasureUpdate(const zre::Image& layer, const zre::Image& starless,
+                                            const zre::StarDetectParams& detect,
+                                            zre::Image* keepBack)
+{
+    // Wiped companions anywhere have put texture into the base, which only a whole detection finds.
+    if (starList.empty() || !layer.usable() || detect.companionWipe > 0.0f)
+        return false;
+    const std::vector<zre::StarErasure>& erasures = session.params.starErasures;
+    const std::vector<zre::StarErasure> changed = changedErasures(starsErasures, erasures);
+    if (changed.empty())
+        return true;
+    report(kDetectionPercent, QStringLiteral("Updating edited sprites..."));
+    const std::vector<std::uint8_t> mask = erasureSearchMask(changed, layer.width, layer.height);
+    std::vector<zre::Star> fresh;
+    zre::detectStarsFromResidual(layer, fresh, detect, &starless, &erasures, keepBack, &mask);
+    recolor(fresh);
+    ++updates;
+    return zre::spliceStarsByCentroid(starList, fresh) == fresh.size();
 }

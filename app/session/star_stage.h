@@ -80,6 +80,7 @@ private:
     zre::StarDetectParams detectParams(StarRoad road) const;
     QString detectionKey(StarRoad road) const;
     QString learnedKey() const;
+    bool canLearn() const;
     bool givesLightBack(const zre::StarDetectParams& detect) const;
     void leaveStarsIn();
     void detectClassically();

@@ -57,6 +57,7 @@ private:
     void take(const OptionSpec& option, const QString& given, bool attached, QString value);
     void checkChoice(const OptionSpec& option, const QString& given, const QString& value);
     void checkComplete();
+    void checkDocument();
     unsigned bit() const { return result.command ? result.command->bit : kNoCommand; }
     QString see() const;
 
@@ -188,19 +189,37 @@ void Parser::checkComplete()
             error = QStringLiteral("no command is given") + see();
         return;
     }
-    if (result.command->operand && result.operand.isEmpty()) {
-        error =
-            QStringLiteral("%1 needs a file to read, %2")
-                .arg(QLatin1String(result.command->name), QLatin1String(result.command->operand)) +
-            see();
+    checkDocument();
+    if (!error.isEmpty())
         return;
-    }
     for (const OptionSpec* option : optionsOf(bit(), false))
         if (option->required && result.value(option->id).isEmpty())
             error = QStringLiteral("%1 needs --%2 %3")
                         .arg(QLatin1String(result.command->name), QLatin1String(option->name),
                              QLatin1String(option->value)) +
                     see();
+}
+
+/// What is read: the operand, or a pair in its place.
+void Parser::checkDocument()
+{
+    const bool starless = result.has(Option::Starless);
+    const bool stars = result.has(Option::Stars);
+    if (starless != stars)
+        error = QStringLiteral("--%1 needs --%2 FILE beside it")
+                    .arg(QLatin1String(starless ? "starless" : "stars"),
+                         QLatin1String(starless ? "stars" : "starless")) +
+                see();
+    else if (starless && !result.operand.isEmpty())
+        error =
+            QStringLiteral("%1 does not fit beside --starless and --stars, which take its place")
+                .arg(result.operand) +
+            see();
+    else if (!starless && result.command->operand && result.operand.isEmpty())
+        error =
+            QStringLiteral("%1 needs a file to read, %2")
+                .arg(QLatin1String(result.command->name), QLatin1String(result.command->operand)) +
+            see();
 }
 
 } // namespace

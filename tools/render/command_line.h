@@ -23,6 +23,8 @@ struct Invocation
     QString value(Option option) const;
     /// Every value given, in order.
     QStringList values(Option option) const;
+    /// Whether a pair of images stands in place of the operand.
+    bool hasPair() const { return has(Option::Starless) && has(Option::Stars); }
 };
 
 /// Reads the arguments after the program's name: a command, its operand and options in any order,

@@ -22,7 +22,9 @@ enum CommandBit : unsigned
     kDemoScene = 8,
     kParams = 16,
     kNoCommand = 32, ///< the option stands alone, without a command
-    kAnyCommand = kStill | kWiggle | kInfo | kDemoScene | kParams
+    kStars = 64,
+    kRendering = kStill | kWiggle | kStars, ///< the commands that bring a document to its stars
+    kAnyCommand = kRendering | kInfo | kDemoScene | kParams
 };
 
 enum class Option
@@ -31,6 +33,9 @@ enum class Option
     View,
     Set,
     ParamsFile,
+    Starless,
+    Stars,
+    NoStars,
     DepthMap,
     StarModel,
     DepthModel,
@@ -86,6 +91,7 @@ struct CommandSpec
 
 Outcome runStill(const Invocation& invocation, RunContext& context);
 Outcome runWiggle(const Invocation& invocation, RunContext& context);
+Outcome runStars(const Invocation& invocation, RunContext& context);
 Outcome runInfo(const Invocation& invocation, RunContext& context);
 Outcome runDemoScene(const Invocation& invocation, RunContext& context);
 Outcome runParams(const Invocation& invocation, RunContext& context);
@@ -107,17 +113,28 @@ inline constexpr std::array kShells{"bash"};
 inline constexpr std::span<const char* const> kAnyValue{};
 
 inline constexpr std::array kCommands{
-    CommandSpec{kStill, "still", "IN", "render one picture of IN",
-                "Renders the depth map, the red/cyan anaglyph, the side-by-side pair or the source "
-                "itself at full size. The suffix of the output decides the format: .xisf and .fits "
-                "(32-bit float), .tif (16 bits, or 8 or 32 float), .png (16 bits, or 8), .jpg. An "
-                "astrometric solution is kept in .xisf and .fits files of the source and the "
-                "anaglyph.",
-                runStill},
+    CommandSpec{
+        kStill, "still", "IN", "render one picture of IN",
+        "Renders the depth map, the red/cyan anaglyph, the side-by-side pair, a layer (the "
+        "picture without its stars, the stars alone, the stars back over it) or the source "
+        "itself at full size. The stars are lifted out and get depths of their own; "
+        "--no-stars leaves them in. The suffix of the output decides the format: .xisf and .fits "
+        "(32-bit float), .tif (16 bits, or 8 or 32 float), .png (16 bits, or 8), .jpg. An "
+        "astrometric solution is kept in .xisf and .fits files of all but the depth map and "
+        "the side-by-side pair. A starless image and its stars, made elsewhere, take the "
+        "place of IN by --starless and --stars.",
+        runStill},
     CommandSpec{kWiggle, "wiggle", "IN", "render the parallax motion of IN as numbered frames",
                 "Renders one closed loop of the moving viewpoint into frame_0000.png, "
                 "frame_0001.png and so on, as many as the parameter wiggleFrames says.",
                 runWiggle},
+    CommandSpec{
+        kStars, "stars", "IN", "list the stars of IN as comma-separated values",
+        "Finds the stars as `still` does and writes a line for each: index, x, y (pixels "
+        "from the top-left corner), peak, depth (0 far to 1 near, -1 for a star that is not "
+        "drawn), width and height of its cut-out, distance_pc, ra_deg and dec_deg; what is "
+        "not known stays empty.",
+        runStars},
     CommandSpec{kInfo, "info", "IN", "tell the format, the geometry and the place on the sky of IN",
                 "Tells size, format and bit depth, how linear data would be stretched, and of an "
                 "astrometric solution centre, scale, rotation (the position angle of the "
@@ -139,25 +156,33 @@ inline constexpr std::array kOptions{
                "the folder for the frames: made when missing, refused unless empty"},
     OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kDemoScene,
                "the file to write, in any format that `still` writes"},
+    OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kStars,
+               "the .csv file to write; an existing one is replaced once the new one is complete"},
     OptionSpec{Option::View, 0, "view", "VIEW", Completes::Choices, kViewChoices, false, false, kStill,
                "what to render; without it the view that the parameter file names, else the anaglyph"},
-    OptionSpec{Option::Set, 0, "set", "KEY=VALUE", Completes::Parameters, kAnyValue, false, true, kStill | kWiggle,
+    OptionSpec{Option::Set, 0, "set", "KEY=VALUE", Completes::Parameters, kAnyValue, false, true, kRendering,
                "set one parameter, over the parameter file; may be given again (see `params`)"},
-    OptionSpec{Option::ParamsFile, 0, "params", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+    OptionSpec{Option::ParamsFile, 0, "params", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "read parameters from a text of key=value lines; keys it lacks keep their default"},
-    OptionSpec{Option::DepthMap, 0, "depth-map", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+    OptionSpec{Option::Starless, 0, "starless", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
+               "with --stars, in place of IN: the picture without its stars, made elsewhere"},
+    OptionSpec{Option::Stars, 0, "stars", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
+               "with --starless: the stars alone, on black and of the same size"},
+    OptionSpec{Option::NoStars, 0, "no-stars", nullptr, Completes::Nothing, kAnyValue, false, false, kStill | kWiggle,
+               "leave the stars in the picture, as --set starSeparationEnabled=0 does"},
+    OptionSpec{Option::DepthMap, 0, "depth-map", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "blend a depth map (white is near) over the image's own: sets depthMapEnabled, and "
                "depthMapBlend to 1 where it is 0, unless --set says otherwise"},
-    OptionSpec{Option::StarModel, 0, "star-model", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+    OptionSpec{Option::StarModel, 0, "star-model", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "the learned model (ONNX) that separates stars; zr_stls.onnx beside the program without this option"},
-    OptionSpec{Option::DepthModel, 0, "depth-model", "FILE", Completes::Files, kAnyValue, false, false, kStill | kWiggle,
+    OptionSpec{Option::DepthModel, 0, "depth-model", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "the learned model (ONNX) that estimates depth, for the parameter aiDepthWeight; zr_dmap.onnx "
                "beside the program without this option"},
     OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kStillBits, false, false, kStill,
                "bits of a sample, where the format leaves the choice"},
     OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kFrameBits, false, false, kWiggle,
                "bits of a sample; 8 without this option"},
-    OptionSpec{Option::Stretch, 0, "stretch", "MODE", Completes::Choices, kStretchChoices, false, false, kStill | kWiggle,
+    OptionSpec{Option::Stretch, 0, "stretch", "MODE", Completes::Choices, kStretchChoices, false, false, kRendering,
                "auto (the default) brings linear data up by a midtones stretch, none takes them as they are"},
     OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kDemoScene,
                "size in pixels, 16 to 32768 a side; 1600x1067 without this option"},

@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include <QDir>
-#include <QFile>
 #include <QStringList>
 
 #include "engine/demo/demo_scene.h"
@@ -60,18 +59,6 @@ QByteArray starTable(const std::vector<zre::DemoStar>& stars)
     return text;
 }
 
-Outcome writeText(const QString& path, const QByteArray& text, StagedOutputs& outputs)
-{
-    QString error;
-    const std::optional<QString> staged = outputs.stage(path, &error);
-    if (!staged)
-        return Outcome::failed(error);
-    QFile file(*staged);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush())
-        return Outcome::failed(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-    return Outcome::done();
-}
-
 Outcome writeTruth(const QString& folder, const zre::DemoScene& scene, StagedOutputs& outputs)
 {
     QString error;
@@ -83,7 +70,7 @@ Outcome writeTruth(const QString& folder, const zre::DemoScene& scene, StagedOut
         outcome =
             writeStaged(dir.filePath("starless.xisf"), scene.starless, &scene.wcs, {}, outputs);
     if (outcome.isDone())
-        outcome = writeText(dir.filePath("stars.csv"), starTable(scene.stars), outputs);
+        outcome = writeTextStaged(dir.filePath("stars.csv"), starTable(scene.stars), outputs);
     return outcome;
 }
 

@@ -29,9 +29,9 @@ bool sameFile(const QString& a, const QString& b)
 Outcome checkOutput(const Invocation& invocation, const QString& output)
 {
     for (const QString& input :
-         {invocation.operand, invocation.value(Option::DepthMap),
-          invocation.value(Option::ParamsFile), invocation.value(Option::StarModel),
-          invocation.value(Option::DepthModel)})
+         {invocation.operand, invocation.value(Option::Starless), invocation.value(Option::Stars),
+          invocation.value(Option::DepthMap), invocation.value(Option::ParamsFile),
+          invocation.value(Option::StarModel), invocation.value(Option::DepthModel)})
         if (sameFile(input, output))
             return Outcome::usage(
                 QStringLiteral("%1 is read by this command and not overwritten").arg(output));
@@ -131,8 +131,12 @@ Outcome useModels(const Invocation& invocation, const Session& session, Console&
             zre::AiDepth::setModelPath(file);
     }
     std::string why;
-    if (session.params.luminanceEnabled && session.params.aiDepthWeight > 0.0f &&
-        !zre::AiDepth::available(&why))
+    const zre::ZRParams& p = session.params;
+    if (invocation.has(Option::StarModel) && p.starSeparationEnabled && p.aiStarSeparation &&
+        !zre::StarlessAI::available(&why))
+        console.warn(
+            QStringLiteral("--star-model has no effect: %1").arg(QString::fromStdString(why)));
+    if (p.luminanceEnabled && p.aiDepthWeight > 0.0f && !zre::AiDepth::available(&why))
         console.warn(
             QStringLiteral("aiDepthWeight has no effect: %1").arg(QString::fromStdString(why)));
     return Outcome::done();
@@ -160,10 +164,27 @@ Outcome readParameters(const Invocation& invocation, const QString& output, Sess
         outcome = readParameterFile(invocation.value(Option::ParamsFile), session, console);
     if (invocation.has(Option::DepthMap))
         switchDepthMapOn(session.params);
+    if (invocation.has(Option::NoStars))
+        session.params.starSeparationEnabled = false;
     for (const QString& assignment : invocation.values(Option::Set))
         if (outcome.isDone())
             outcome = setOne(assignment, session);
     return outcome.isDone() ? useModels(invocation, session, console) : outcome;
+}
+
+static Outcome openDocument(const Invocation& invocation, StretchMode stretch, Session& session)
+{
+    QString error;
+    if (invocation.hasPair()) {
+        const QString starless = invocation.value(Option::Starless);
+        const QString stars = invocation.value(Option::Stars);
+        if (openPair(stars, starless, stretch, session, nullptr, &error))
+            return Outcome::done();
+        return Outcome::failed(QStringLiteral("%1, %2: %3").arg(starless, stars, error));
+    }
+    if (openSource(invocation.operand, stretch, session, nullptr, &error))
+        return Outcome::done();
+    return Outcome::failed(QStringLiteral("%1: %2").arg(invocation.operand, error));
 }
 
 Outcome openInputs(const Invocation& invocation, Session& session, Console& console)
@@ -172,14 +193,22 @@ Outcome openInputs(const Invocation& invocation, Session& session, Console& cons
                                     ? StretchMode::None
                                     : StretchMode::Auto;
     console.progress(0, QStringLiteral("Loading image..."));
+    const Outcome outcome = openDocument(invocation, stretch, session);
+    if (!outcome.isDone())
+        return outcome;
     QString error;
-    if (!openSource(invocation.operand, stretch, session, nullptr, &error))
-        return Outcome::failed(QStringLiteral("%1: %2").arg(invocation.operand, error));
     const QString map = invocation.value(Option::DepthMap);
     if (!map.isEmpty() && !openDepthMap(map, session, &error))
         return Outcome::failed(QStringLiteral("%1: %2").arg(map, error));
     console.progress(kReadPercent, QStringLiteral("Loading image..."));
     return Outcome::done();
+}
+
+void warnOfFailures(const RenderPipeline& pipeline, Console& console)
+{
+    for (const QString& failure : {pipeline.starSeparationFailure(), pipeline.aiDepthFailure()})
+        if (!failure.isEmpty())
+            console.warn(failure);
 }
 
 QString stretchText(const DecodedFile& file)

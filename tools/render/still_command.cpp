@@ -53,10 +53,10 @@ static Still renderStill(int view, Session& session, Console& console)
         });
     Still still;
     pipeline.renderView(view, {}, still.image, &still.status);
-    if (!pipeline.aiDepthFailure().isEmpty())
-        console.warn(pipeline.aiDepthFailure());
+    warnOfFailures(pipeline, console);
     still.wcs = solutionOfStill(session, view, still.image);
-    session.source = zre::Image();
+    for (zre::Image* image : {&session.source, &session.starless, &session.starsLayer})
+        *image = zre::Image();
     return still;
 }
 

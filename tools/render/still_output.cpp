@@ -1,5 +1,6 @@
 #include "tools/render/still_output.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -38,6 +39,18 @@ Outcome writeStaged(const QString& path, const zre::Image& image, const zre::Wcs
     options.wcs = wcs && wcs->valid ? wcs : nullptr;
     if (!writeStill(*staged, image, options, &error))
         return Outcome::failed(error.replace(*staged, path));
+    return Outcome::done();
+}
+
+Outcome writeTextStaged(const QString& path, const QByteArray& text, StagedOutputs& outputs)
+{
+    QString error;
+    const std::optional<QString> staged = outputs.stage(path, &error);
+    if (!staged)
+        return Outcome::failed(error);
+    QFile file(*staged);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush())
+        return Outcome::failed(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
     return Outcome::done();
 }
 

@@ -18,6 +18,9 @@ Outcome checkStillPath(const QString& path, const QString& bits);
 Outcome writeStaged(const QString& path, const zre::Image& image, const zre::Wcs* wcs,
                     const QString& bits, StagedOutputs& outputs);
 
+/// Writes `text` where `path` is staged.
+Outcome writeTextStaged(const QString& path, const QByteArray& text, StagedOutputs& outputs);
+
 /// Bits of a sample of the file that `writeStaged` makes.
 int writtenBits(const QString& path, const QString& bits);
 

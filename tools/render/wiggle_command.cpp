@@ -40,8 +40,7 @@ static Outcome renderFrames(const QString& folder, const QString& bits, Session&
             context.console.progress(percentWithin(percent, first, kFramesPercent), text);
         });
     pipeline.cachedDepth();
-    if (!pipeline.aiDepthFailure().isEmpty())
-        context.console.warn(pipeline.aiDepthFailure());
+    warnOfFailures(pipeline, context.console);
     pipeline.setStageReporter({});
     const int frames = session.params.wiggleFrames;
     zre::Image image;

@@ -41,6 +41,7 @@ TEST(CarryOver, AtTwiceTheSizeTheMapDoublesAndTheFrameFollows)
     Session session = withMap(6, 4);
     session.params.flybyFrameW = 301;
     session.params.flybyFrameH = 20;
+    session.params.starErasures = {{1.5, 2.0, 3.0, 0.5, 1}};
     const zre::Image map = session.externalDepth;
     const int generation = session.generation;
     rescaleSession(session, {6, 4}, {600, 400});
@@ -54,6 +55,11 @@ TEST(CarryOver, AtTwiceTheSizeTheMapDoublesAndTheFrameFollows)
                       map.plane(0)[y / 100 * 6 + x / 100]);
     EXPECT_GT(session.generation, generation);
     EXPECT_EQ(session.depthMapPath, "map.png");
+    const std::vector<zre::StarErasure> moved{{150.0, 200.0, 3.0, 0.5, 1}};
+    EXPECT_EQ(session.params.starErasures, moved);
+    startFresh(session);
+    EXPECT_FALSE(session.externalDepth.usable());
+    EXPECT_TRUE(session.params.starErasures.empty());
 }
 
 TEST(CarryOver, FrameSidesRoundToTheNearestAndKeepTheirLimits)

@@ -35,6 +35,7 @@ struct Rebuild
     int cues;
     int anchor;
     int final;
+    int detections = 0;
 };
 
 class DepthLevels : public testing::TestWithParam<Rebuild>
@@ -58,6 +59,7 @@ TEST_P(DepthLevels, RebuildOnlyWhatTheChangeReaches)
     EXPECT_EQ(after.cues - before.cues, GetParam().cues);
     EXPECT_EQ(after.anchor - before.anchor, GetParam().anchor);
     EXPECT_EQ(after.final - before.final, GetParam().final);
+    EXPECT_EQ(after.detections - before.detections, GetParam().detections);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -78,7 +80,21 @@ INSTANTIATE_TEST_SUITE_P(
         Rebuild{
             "source",
             [](Session& s) { s.installSource("other.png", zrtest::noise(24, 16, 1, 4), {}, {}); },
-            1, 1, 1}),
+            1, 1, 1, 1},
+        Rebuild{"depthMap", [](Session& s) { s.installExternalDepth("m", zrtest::ramp(4, 4)); }, 1,
+                1, 1},
+        Rebuild{"detection", [](Session& s) { s.params.thresholdSigma = 3.0f; }, 1, 1, 1, 1},
+        Rebuild{"sprites", [](Session& s) { s.params.starEdgeGlow = 2.0f; }, 0, 0, 0, 1},
+        Rebuild{"companionsOfALayer", [](Session& s) { s.params.starCompanionWipe = 0.5f; }, 0, 0,
+                0},
+        Rebuild{"starDepths",
+                [](Session& s) {
+                    s.params.starPlane = s.params.starFloatation = s.params.starPop = 0.3f;
+                    s.params.starDepthRange = 0.1f;
+                    s.params.starDepthModel = s.params.starMaxRendered = 1;
+                },
+                0, 0, 0},
+        Rebuild{"noStars", [](Session& s) { s.params.starSeparationEnabled = false; }, 1, 1, 1}),
     [](const auto& row) { return row.param.what; });
 
 TEST(RenderPipeline, AnotherSourceOrMapNeverShowsTheOldDepth)

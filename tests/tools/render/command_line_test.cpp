@@ -43,6 +43,18 @@ TEST(CommandLine, LeavesFileNamesThatLookLikeOptionsAlone)
     EXPECT_FALSE(std::get<Invocation>(parsed).has(Option::Help));
 }
 
+TEST(CommandLine, APairStandsInPlaceOfTheOperand)
+{
+    for (const CommandSpec& command : kCommands) {
+        if (!(command.bit & kRendering))
+            continue;
+        const auto parsed =
+            parseCommandLine({command.name, "--stars", "b", "-o", "o", "--starless=c"});
+        ASSERT_TRUE(std::holds_alternative<Invocation>(parsed)) << command.name;
+        EXPECT_TRUE(std::get<Invocation>(parsed).hasPair());
+    }
+}
+
 TEST(CommandLine, HelpNeedsNothingElse)
 {
     for (const CommandSpec& command : kCommands)
@@ -84,6 +96,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Misfit{"still in.png -o a.png -o b.png", "-o is given twice"},
                     Misfit{"still -o a.png", "still needs a file to read"},
                     Misfit{"still in.png", "still needs --output OUT"},
+                    Misfit{"stars --starless a.png -o s.csv", "--starless needs --stars FILE"},
+                    Misfit{"still in.png --stars b.png -o a.png", "--stars needs --starless FILE"},
+                    Misfit{"still in.png --stars b.png --starless c.png -o a.png",
+                           "in.png does not fit beside --starless and --stars"},
                     Misfit{"still in.png --output= ", "still needs --output OUT"},
                     Misfit{"demo-scene", "demo-scene needs --output OUT"},
                     Misfit{"info a.png b.png", "b.png does not fit behind info"},

@@ -9,6 +9,7 @@
 #include "app/export/still_file.h"
 #include "app/persist/param_text.h"
 #include "app/session/open_document.h"
+#include "app/session/output_view.h"
 #include "app/session/render_pipeline.h"
 #include "engine/demo/demo_scene.h"
 #include "tests/support/testkit.h"
@@ -132,7 +133,7 @@ TEST_F(Program, SolutionStaysOnlyWithPicturesOfTheSkyInTheSourcesGeometry)
     double dec = 0.0;
     ASSERT_TRUE(opened("scene.xisf").wcs.imageToCelestial(10.0, 5.0, ra, dec));
     for (const char* name : {"o.xisf", "o.fits"}) {
-        for (const char* key : {"source", "anaglyph"}) {
+        for (const char* key : {"source", "anaglyph", "starless", "stars", "stars-over-starless"}) {
             ok(QString("still @scene.xisf -o @%1 --view %2").arg(name, key));
             double keptRa = 0.0;
             double keptDec = 0.0;
@@ -184,6 +185,79 @@ TEST_F(Program, NamedDepthMapCountsUnlessToldOtherwise)
     EXPECT_TRUE(zrtest::imagesNear(opened("o.xisf").source, mixed, 1e-6));
 }
 
+/// What the program with a window shows is rendered by the same road.
+TEST_F(Program, EveryViewOfAPhotographOrAPairIsThePipelines)
+{
+    ok("demo-scene -o @scene.xisf --size 200x140 --truth @truth");
+    zre::Image stars = opened("scene.xisf").source;
+    const zre::Image starless = opened("truth/starless.xisf").source;
+    for (std::size_t i = 0; i < stars.data.size(); ++i)
+        stars.data[i] = std::max(0.0f, stars.data[i] - starless.data[i]);
+    ASSERT_TRUE(writeStill(at("stars.xisf"), stars, {}, nullptr));
+    Session pair;
+    ASSERT_TRUE(openPair(at("stars.xisf"), at("truth/starless.xisf"), StretchMode::None, pair,
+                         nullptr, nullptr));
+    const std::pair<QString, Session> documents[] = {
+        {"@scene.xisf", opened("scene.xisf")},
+        {"--starless @truth/starless.xisf --stars @stars.xisf", pair}};
+    for (const auto& [words, document] : documents) {
+        for (const ::OutputView& output : kOutputViews) {
+            Session session = document;
+            session.params.thresholdSigma = 3.0f;
+            RenderPipeline pipeline(session);
+            zre::Image expected;
+            ASSERT_TRUE(pipeline.renderView(output.id, {}, expected, nullptr));
+            EXPECT_EQ(pipeline.activeStars() != nullptr,
+                      output.id != kSourceView &&
+                          (output.id < 4 || output.id == 6 || !session.hasPair()));
+            ok(QString("still %1 -o @o.xisf --set thresholdSigma=3 --view %2")
+                   .arg(words, output.key));
+            EXPECT_TRUE(zrtest::imagesNear(opened("o.xisf").source, expected, 0))
+                << words.toStdString() << ' ' << output.key;
+        }
+    }
+    ok("still @scene.xisf -o @without.xisf --no-stars");
+    ok("still @scene.xisf -o @off.xisf --set starSeparationEnabled=0");
+    EXPECT_TRUE(zrtest::imagesNear(opened("without.xisf").source, opened("off.xisf").source, 0));
+}
+
+TEST_F(Program, StarsAreThePipelines)
+{
+    ok("demo-scene -o @scene.xisf --size 300x200");
+    const Spoken ended = run(
+        "stars @scene.xisf -o @stars.csv --set thresholdSigma=4 --set starMaxRendered=5 --json");
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    Session session = opened("scene.xisf");
+    session.params.thresholdSigma = 4.0f;
+    session.params.starMaxRendered = 5;
+    RenderPipeline pipeline(session);
+    pipeline.prepareStars();
+    const QString answer = QString::fromStdString(ended.out).trimmed().section('\n', -1);
+    const QJsonObject told = QJsonDocument::fromJson(answer.toUtf8()).object();
+    EXPECT_EQ(told["stars"].toInt(), static_cast<int>(pipeline.stars().size()));
+    EXPECT_EQ(told["drawn"].toInt(), pipeline.starsShown());
+    EXPECT_EQ(told["detector"], QJsonValue("classical"));
+
+    const auto bytes = zrtest::readBytes(folder / "stars.csv");
+    const QStringList rows = QString::fromUtf8(reinterpret_cast<const char*>(bytes.data()),
+                                               static_cast<qsizetype>(bytes.size()))
+                                 .split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(static_cast<std::size_t>(rows.size()), pipeline.stars().size() + 1);
+    ASSERT_GT(rows.size(), 6);
+    for (qsizetype i = 1; i < rows.size(); ++i) {
+        const zre::Star& star = pipeline.stars()[static_cast<std::size_t>(i - 1)];
+        const QStringList cells = rows[i].trimmed().split(',');
+        ASSERT_EQ(cells.size(), 10);
+        EXPECT_EQ(cells[0].toInt(), i - 1);
+        EXPECT_NEAR(cells[2].toDouble(), star.y, 1e-4);
+        EXPECT_NEAR(cells[4].toDouble(), static_cast<double>(star.depth), 1e-6);
+        double x = 0.0;
+        double y = 0.0;
+        ASSERT_TRUE(session.wcs.celestialToImage(cells[8].toDouble(), cells[9].toDouble(), x, y));
+        EXPECT_NEAR(x, star.x, 1e-3);
+    }
+}
+
 struct Refusal
 {
     const char* line;
@@ -199,6 +273,7 @@ TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
     std::ofstream(folder / "bytes.txt") << "\xff\x1b=1\n";
     std::ofstream(folder / "view.txt") << "outputMode=7\n";
     std::ofstream(folder / "broken.xisf") << "XISF0100";
+    EXPECT_TRUE(writeStill(at("half.tif"), zrtest::noise(18, 12, 1, 4), {}, nullptr));
     fs::create_directory(folder / "full");
     std::ofstream(folder / "full" / ".hidden") << "";
     const Refusal refusals[] = {
@@ -217,6 +292,11 @@ TEST_F(Program, RefusalsSayWhyInOneLineAndTouchNothing)
         {"still @in.tif -o @o.png --params @bytes.txt", 1, "not a text"},
         {"still @absent.tif -o @absent/o.png", 1, "program/absent: "}, // before any work is done
         {"still", 2, "needs a file to read"},
+        {"still --starless @in.tif --stars @half.tif -o @o.png", 1, "must be of the same size"},
+        {"still --starless @in.tif --stars @absent.tif -o @o.png", 1, "Stars only image"},
+        {"still --starless @in.tif --stars @half.tif -o @half.tif", 2, "not overwritten"},
+        {"stars @in.tif -o @o.png", 2, "(.csv)"},
+        {"stars @in.tif -o @absent/o.csv", 1, "program/absent: "},
         {"demo-scene -o @depth.xisf --truth @. --size 32x32", 1, "two outputs"},
         {"still @in.tif -o @o.png --params @absent.txt", 1, "absent.txt"},
         {"still @absent.tif -o @o.png", 1, "absent.tif"},
@@ -287,6 +367,7 @@ TEST_F(Program, JsonIsOneObjectALineAndEndsInTheResult)
         "still @in.tif -o @o.png --json",
         "--json wiggle @in.tif -o @w --set wiggleFrames=2",
         "info @in.tif --json",
+        "stars @in.tif -o @stars.csv --json",
         "demo-scene -o @s.xisf --size 32x32 --json",
         "params --json",
     };
