@@ -428,6 +428,8 @@ void MainWindow::pictureShown()
     refreshStarTableWindow(); // first: it may ring a star among those that the overlay takes over
     m_starOverlay.pictureShown();
     m_params.syncStarControls();
+    if (const zre::Image* depth = m_pipeline.standingDepth())
+        m_params.showDepth(*depth);
 }
 
 void MainWindow::settingsChanged()

@@ -8,6 +8,7 @@
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/panel/control_panel.h"
+#include "app/panel/depth_histogram.h"
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 
@@ -76,7 +77,13 @@ void ParamsController::documentReplaced()
     syncUiFromParams();
     m_panel->updateMaxStarsRange(0); // none have been looked for
     m_panel->updateStarControlsEnabled(false, m_host.session().hasPair());
+    m_panel->setDepthHistogram({});
     setImageGatedSectionsEnabled(m_host.session().hasSource());
+}
+
+void ParamsController::showDepth(const zre::Image& depth)
+{
+    m_panel->setDepthHistogram(depthHistogram(depth, m_host.session().params));
 }
 
 void ParamsController::takeStep(const zre::ZRParams& params, const QString& label)

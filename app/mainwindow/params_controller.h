@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "app/panel/param_history.h"
+#include "engine/image/image.h"
 
 class ControlPanel;
 class QUndoStack;
@@ -32,6 +33,8 @@ public:
     /// A row gets a colour that the user picked, as an edit of its own.
     void setPickedColor(int row, const QColor& color);
 
+    /// Shows how the depths of a rendering are spread.
+    void showDepth(const zre::Image& depth);
     /// Another document, or none, stands in the session: shows it, and forgets the past.
     void documentReplaced();
     /// Takes over `params` as the one step `label`.

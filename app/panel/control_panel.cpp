@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/panel/color_rows_editor.h"
+#include "app/panel/depth_histogram.h"
 #include "app/panel/depth_tab.h"
 #include "app/panel/post_tab.h"
 #include "app/panel/section_box.h"
@@ -112,6 +113,11 @@ void ControlPanel::updateStarControlsEnabled(bool aiStars, bool starsLayer)
     m_facts.starsLayer = starsLayer;
     if (!(before == m_facts))
         updateGates();
+}
+
+void ControlPanel::setDepthHistogram(const std::optional<DepthHistogram>& histogram)
+{
+    findChild<DepthHistogramView*>()->setHistogram(histogram);
 }
 
 QString ControlPanel::currentTab() const

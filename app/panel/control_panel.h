@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <QWidget>
@@ -8,6 +9,7 @@
 #include "engine/params/params.h"
 
 class DepthTab;
+struct DepthHistogram;
 class PanelTab;
 class QTabWidget;
 class ShapingTab;
@@ -43,6 +45,8 @@ public:
     void setImageGatedSectionsEnabled(bool enabled);
     /// Names the loaded depth map; empty for none.
     void setDepthMapName(const QString& name);
+    /// Shows how depth and disparity are spread; nothing: no depth was made yet.
+    void setDepthHistogram(const std::optional<DepthHistogram>& histogram);
     /// The answer to `pickColorRequested` and `chooseColorRequested`: gives the row its colour and
     /// switches it on. A row that does not exist is ignored.
     void setPickedColor(int row, const QColor& color);

@@ -4,6 +4,7 @@
 
 #include <QGridLayout>
 
+#include "app/panel/depth_histogram.h"
 #include "app/panel/glasses_tint.h"
 #include "app/panel/panel_rows.h"
 #include "app/panel/row_controls.h"
@@ -29,6 +30,7 @@ constexpr std::array kAnaglyphRows{
 };
 
 constexpr SectionRow kStereo{"Stereo depth", true, kStereoRows};
+constexpr SectionRow kSpread{"Depth and disparity", false, {}};
 constexpr SectionRow kAnaglyph{"Anaglyph", false, kAnaglyphRows};
 
 } // namespace
@@ -37,6 +39,8 @@ StereoTab::StereoTab(QWidget* parent)
     : PanelTab("Stereo", parent)
 {
     addSection(kStereo);
+    SectionBox& spread = addSection(kSpread);
+    spread.grid().addWidget(new DepthHistogramView(&spread.body()), 0, 0, 1, kColumns);
     SectionBox& anaglyph = addSection(kAnaglyph);
     auto* tint = new GlassesTint(anaglyph.wheelGuard(), &anaglyph.body());
     anaglyph.grid().addWidget(tint, anaglyph.grid().rowCount(), 0, 1, kColumns);

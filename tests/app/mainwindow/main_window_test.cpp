@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTabWidget>
@@ -141,6 +142,23 @@ TEST_F(Window, ADroppedImageOpensAndOtherDropsAreRefused)
     EXPECT_TRUE(drop({QUrl::fromLocalFile(path)}));
     EXPECT_EQ(status(), "dropped.png  -  120 x 80");
     EXPECT_EQ(window.windowTitle().section(" - ", 0, 0), "dropped.png");
+}
+
+TEST_F(Window, FilesMayBeDroppedOverTheControlsAsWell)
+{
+    const QString path = noiseFile("over_panel.png");
+    auto* field = window.findChild<ControlPanel*>()->findChild<QLineEdit*>();
+    ASSERT_NE(field, nullptr);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(field, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event({2, 2}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &event); // where the toolkit takes it, the field refusing
+    QApplication::processEvents();
+    EXPECT_TRUE(window.windowTitle().startsWith("over_panel.png"));
+    EXPECT_FALSE(field->text().contains("over_panel"));
 }
 
 TEST_F(Window, ANewDocumentClearsTheScreenAndItsActions)
