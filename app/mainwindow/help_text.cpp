@@ -84,6 +84,10 @@ constexpr std::array kTabHelp{
                   "Parallax amount is the depth of the whole scene in pixels; Convergence is the "
                   "depth that lies in the plane of the screen, nearer parts come out of it. Max "
                   "disparity bounds the shift to what eyes can follow."},
+    HelpParagraph{"Stereo", "Depth and disparity",
+                  "How the depths of the picture are spread, and what becomes of them: the shift "
+                  "between the two eyes in pixels. The solid line is the plane of the screen, what "
+                  "lies to its right comes out of it, and the dashed lines are Max disparity."},
     HelpParagraph{"Stereo", "Anaglyph",
                   "How the two eyes share the colors of one picture. Put the glasses on and even "
                   "out the two lenses with the tint: it is for your screen and enters no file."},

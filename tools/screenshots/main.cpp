@@ -47,6 +47,23 @@ static void pointAtMiddle(MainWindow& window)
     QApplication::sendEvent(preview, &move);
 }
 
+/// A starless image and its stars, opened as one document.
+static void openPair(MainWindow& window, const QTemporaryDir& folder)
+{
+    zre::DemoSceneOptions options;
+    options.width = 480;
+    options.height = 320;
+    zre::DemoScene scene = zre::makeDemoScene(options);
+    for (std::size_t i = 0; i < scene.picture.data.size(); ++i)
+        scene.picture.data[i] -= scene.starless.data[i];
+    const QString stars = folder.filePath("Lagoon_stars.png");
+    const QString starless = folder.filePath("Lagoon_starless.png");
+    zre_qt::toQImage(scene.picture).save(stars);
+    zre_qt::toQImage(scene.starless).save(starless);
+    appcfg::setPairReplaceNoticeHidden(true); // nobody is here to answer
+    window.loadStarlessStarsPair(stars, starless);
+}
+
 /// The empty window, as it is at first and with images opened before.
 static bool grabEmptyWindow(MainWindow& window, const QString& folder)
 {
@@ -61,6 +78,7 @@ static bool grabEmptyWindow(MainWindow& window, const QString& folder)
         zre_qt::toQImage(zre::makeDemoScene(options).picture).save(path);
         window.loadImageFromPath(path);
     }
+    openPair(window, images);
     window.newDocument();
     QApplication::processEvents(); // the layout shows new widgets in its own time
     return grab(window, folder, "window-recent") && saved;
