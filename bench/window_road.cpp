@@ -4,9 +4,11 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -139,16 +141,20 @@ bool sliders(Session& session)
     zre::Image view;
     pipeline.renderView(2, {}, view, nullptr);
     const auto before = pipeline.levelBuilds();
-    session.params.parallaxAmount += 1.0f;
-    const double whole = timed([&] { pipeline.renderView(2, {}, view, nullptr); });
+    double whole = std::numeric_limits<double>::infinity();
+    double eyes = whole;
+    constexpr int kRounds = 4; // the least of them, each by turns
+    for (int round = 0; round < kRounds; ++round) {
+        session.params.parallaxAmount += 1.0f;
+        whole = std::min(whole, timed([&] { pipeline.renderView(2, {}, view, nullptr); }));
+        const zre::Image& depth = *pipeline.standingDepth();
+        eyes =
+            std::min(eyes, timed([&] {
+                         zre::renderAnaglyph(pipeline.working(), depth, session.params, view,
+                                             pipeline.activeStars(), {}, nullptr, nullptr, 1, 1, 1);
+                     }));
+    }
     const auto moved = pipeline.levelBuilds();
-    const zre::Image& depth = *pipeline.cachedDepth();
-    zre::Image left, right;
-    const double eyes = timed([&] {
-        zre::renderEyes(pipeline.working(), depth, session.params, left, right,
-                        pipeline.activeStars(), {}, nullptr, nullptr);
-        zre::makeAnaglyph(left, right, view, session.params.anaglyphMode, 1, 1, 1);
-    });
     std::printf(
         "a change of parallaxAmount: %.1f ms, of which eyes and anaglyph %.1f ms (%.1f%%)\n", whole,
         eyes, 100.0 * eyes / whole);

@@ -152,8 +152,10 @@ QToolButton* EmptyState::tileOf(const QString& entry, const Open& open)
     tile->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     tile->setIconSize({ThumbnailStore::kWidth, ThumbnailStore::kHeight});
     tile->setIcon(picture.isNull() ? placeholder(files.front()) : pictureOf(picture));
-    tile->setText(
-        fontMetrics().elidedText(name, Qt::ElideMiddle, ThumbnailStore::kWidth).replace('&', "&&"));
+    tile->setText(fontMetrics()
+                      .elidedText(QFileInfo(files.front()).fileName(), Qt::ElideMiddle,
+                                  ThumbnailStore::kWidth)
+                      .replace('&', "&&"));
     tile->setToolTip(QDir::toNativeSeparators(files.join('\n')));
     tile->setAccessibleName(tr("Open %1").arg(name));
     // Later than the click: opening hides and may rebuild the tiles.

@@ -51,8 +51,8 @@ Plot depthPlot(const DepthHistogram& h, int columns)
 Plot disparityPlot(const DepthHistogram& h, int columns)
 {
     const double half = reach(h);
-    Plot plot{std::vector<double>(static_cast<std::size_t>(columns)), pixels(-half), "Disparity",
-              pixels(half)};
+    Plot plot{std::vector<double>(static_cast<std::size_t>(columns)), pixels(-half),
+              "Disparity, 0 at the line", pixels(half)};
     // A bin is spread over the columns it covers, so that a wide one leaves no comb.
     constexpr int kParts = 8;
     for (std::size_t bin = 0; bin < h.bins.size(); ++bin)
