@@ -69,9 +69,14 @@ void RenderController::renderNow()
     m_hooks.syncParams();
     m_host.showStatus("Updating...");
     const bool withProgress = deservesProgress();
+    const bool separates = m_host.session().outputMode != kSourceView && !m_host.isBusy() &&
+                           m_host.pipeline().separationPending();
     m_host.busyRun([&] {
         std::optional<ProgressScope> progress;
-        if (withProgress)
+        if (separates)
+            progress.emplace(m_host, "Separating stars from the image",
+                             "Separating stars from the image");
+        else if (withProgress)
             progress.emplace(m_host, "Updating depth map", "Building depth map...");
         if (m_hooks.depthInUse && m_hooks.depthInUse())
             m_host.pipeline().prepareStars();
@@ -104,7 +109,10 @@ void RenderController::updatePreview()
         throw std::bad_alloc(); // the toolkit's way of saying so is a null picture
     picture = zre::Image();     // what follows copies pixels again
     m_hooks.show(std::move(shown), view != kSourceView);
-    const QString failure = view == kSourceView ? QString() : m_host.pipeline().aiDepthFailure();
+    const RenderPipeline& pipeline = m_host.pipeline();
+    const QString ofStars = pipeline.starSeparationFailure();
+    const QString ofModels = ofStars.isEmpty() ? pipeline.aiDepthFailure() : ofStars;
+    const QString failure = view == kSourceView ? QString() : ofModels;
     m_host.showStatus(failure.isEmpty() ? status : status + "  -  " + failure);
     if (m_hooks.shown)
         m_hooks.shown();

@@ -70,11 +70,14 @@ zre::Progress RenderPipeline::eyeProgress() const
     };
 }
 
+bool RenderPipeline::separationPending() const
+{
+    return starStage.road() == StarRoad::Learned && !starStage.learnedStands();
+}
+
 int RenderPipeline::firstPercent() const
 {
-    return starStage.road() == StarRoad::Learned && !starStage.learnedStands()
-               ? StarStage::kInferencePercent
-               : StarStage::kDetectionPercent;
+    return separationPending() ? StarStage::kInferencePercent : StarStage::kDetectionPercent;
 }
 
 RenderPipeline::LevelBuilds RenderPipeline::levelBuilds() const

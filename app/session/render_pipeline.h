@@ -52,6 +52,9 @@ public:
     /// run; they end at 100.
     int firstPercent() const;
 
+    /// Whether the learned model has to take the stars out first, which takes long.
+    bool separationPending() const;
+
     /// Drops every image that it keeps.
     void clear();
 
