@@ -79,6 +79,8 @@ constexpr std::array kDetectionRows{
         CheckRow{"starClusterSplit", "Split merged stars", &P::starClusterSplit, unlessSeparated}},
     PanelRow{SliderRow{"backgroundScale", "Background scale", 0.1, &P::backgroundScale, "px",
                        unlessDetected}},
+    PanelRow{CheckRow{"fillBehindStars", "Fill the picture behind stars", &P::fillBehindStars,
+                      unlessDetected}},
 };
 
 constexpr std::array kDepthRows{

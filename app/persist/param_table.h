@@ -163,6 +163,7 @@ static_assert(kParamOrder.size() == 98);
 inline constexpr std::array kDetectionOrder{
     ParamKey{"aiStarSeparation", &zre::ZRParams::aiStarSeparation, "separate stars by the learned model where it is installed"},
     ParamKey{"backgroundScale", &zre::ZRParams::backgroundScale, "blur that makes the background stars are measured against (sigma, pixels)"},
+    ParamKey{"fillBehindStars", &zre::ZRParams::fillBehindStars, "fill the picture behind stars from the sky about them, where no model separates them"},
     ParamKey{"maxRadius", &zre::ZRParams::maxRadius, "largest radius of a star (pixels)"},
     ParamKey{"minPeak", &zre::ZRParams::minPeak, "lowest peak of a star above the background (0 any)"},
     ParamKey{"starPop", &zre::ZRParams::starPop, "lift of all stars toward the viewer"},

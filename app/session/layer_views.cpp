@@ -4,6 +4,7 @@
 #include "app/session/render_pipeline.h"
 #include "app/session/star_detection.h"
 #include "engine/stars/detect_stars.h"
+#include "engine/stars/heal_starless.h"
 #include "engine/stars/star_sprites.h"
 
 static void say(QString* status, const QString& text)
@@ -55,12 +56,15 @@ void RenderPipeline::buildStarlessView(zre::Image& out, QString* status)
             .number(p.thresholdSigma)
             .number(p.minPeak)
             .number(p.maxRadius)
-            .number(p.backgroundScale);
+            .number(p.backgroundScale)
+            .number(p.fillBehindStars ? 1 : 0);
         const Removal& made = removal.get(key.str(), [&](Removal& fresh) {
             stage(StarStage::kDetectionPercent, QStringLiteral("Removing stars..."));
             std::vector<zre::Star> stars;
             zre::detectStars(session.source, stars, fresh.starless, zre::starDetectParams(p),
                              nullptr);
+            if (p.fillBehindStars)
+                zre::healStarless(session.source, stars, fresh.starless);
             fresh.stars = stars.size();
         });
         out = made.starless;

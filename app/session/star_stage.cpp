@@ -11,6 +11,7 @@
 #include "app/session/star_detection.h"
 #include "engine/inference/starless_ai.h"
 #include "engine/stars/detect_stars.h"
+#include "engine/stars/heal_starless.h"
 #include "engine/stars/star_list.h"
 #include "engine/stars/star_sprites.h"
 
@@ -104,7 +105,8 @@ StarRoad StarStage::road() const
     return canLearn() ? StarRoad::Learned : StarRoad::Classical;
 }
 
-/// The runtime is a large library that speaks when it comes up: without a model it is not asked for.
+/// The runtime is a large library that speaks when it comes up: without a model it is not asked
+/// for.
 bool StarStage::canLearn() const
 {
     return session.params.aiStarSeparation && learnedFailedFor != learnedKey() &&
@@ -141,6 +143,8 @@ QString StarStage::detectionKey(StarRoad road) const
     if (road == StarRoad::Learned)
         key.text(learnedKey());
     addDetection(key, detectParams(road));
+    if (road == StarRoad::Classical)
+        key.text(session.params.fillBehindStars ? "fb1" : "fb0");
     key.text(trueColor ? "tc1" : "tc0");
     return key.str();
 }
@@ -177,7 +181,8 @@ QString StarStage::baseKey() const
         key.number(detect.thresholdSigma)
             .number(detect.minPeak)
             .number(detect.maxRadius)
-            .number(detect.backgroundScale);
+            .number(detect.backgroundScale)
+            .text(session.params.fillBehindStars ? "fb1" : "fb0");
     key.text(taken == StarRoad::Pair ? "ps1" : "ps0");
     if (taken == StarRoad::Learned)
         key.text(learnedKey());
@@ -241,6 +246,7 @@ void StarStage::leaveStarsIn()
     starList = {};
     starsKey.reset();
     starsErasures.clear();
+    layerStats.clear();
     prepared = StarRoad::Off;
     base = Base::Source;
     own = zre::Image();
@@ -288,6 +294,8 @@ void StarStage::detectClassically()
     ++fullDetections;
     zre::detectStars(session.source, starList, own, detectParams(StarRoad::Classical),
                      &session.params.starErasures);
+    if (session.params.fillBehindStars)
+        zre::healStarless(session.source, starList, own);
     recolor(starList);
     base = Base::Own;
     nowStandsFor(key, StarRoad::Classical);
@@ -308,7 +316,9 @@ void StarStage::detectInLayer(StarRoad road, const zre::Image& starless, Base un
     own = zre::Image();
     zre::Image light;
     zre::Image* keepBack = givesLightBack(detect) ? &light : nullptr;
-    if (!onlyErasuresChanged || !tryIncrementalErasureUpdate(layer, starless, detect, keepBack))
+    const QString layerKey = roadTag(road) + learnedKey();
+    if (!onlyErasuresChanged ||
+        !tryIncrementalErasureUpdate(layerKey, layer, starless, detect, keepBack))
         detectAll(road, layer, starless, keepBack);
     base = untouched;
     if (light.usable()) {
@@ -329,7 +339,8 @@ void StarStage::detectAll(StarRoad road, const zre::Image& layer, const zre::Ima
     recolor(starList);
 }
 
-bool StarStage::tryIncrementalErasureUpdate(const zre::Image& layer, const zre::Image& starless,
+bool StarStage::tryIncrementalErasureUpdate(const QString& layerKey, const zre::Image& layer,
+                                            const zre::Image& starless,
                                             const zre::StarDetectParams& detect,
                                             zre::Image* keepBack)
 {
@@ -343,7 +354,10 @@ bool StarStage::tryIncrementalErasureUpdate(const zre::Image& layer, const zre::
     report(kDetectionPercent, QStringLiteral("Updating edited sprites..."));
     const std::vector<std::uint8_t> mask = erasureSearchMask(changed, layer.width, layer.height);
     std::vector<zre::Star> fresh;
-    zre::detectStarsFromResidual(layer, fresh, detect, &starless, &erasures, keepBack, &mask);
+    const zre::LayerStats& stats = layerStats.get(
+        layerKey, [&](zre::LayerStats& made) { made = zre::starsLayerStats(layer); });
+    zre::detectStarsFromResidual(layer, fresh, detect, &starless, &erasures, keepBack, &mask,
+                                 &stats);
     recolor(fresh);
     ++updates;
     return zre::spliceStarsByCentroid(starList, fresh) == fresh.size();

@@ -6,8 +6,10 @@
 
 #include <QString>
 
+#include "app/session/keyed.h"
 #include "app/session/session.h"
 #include "engine/image/image.h"
+#include "engine/stars/detect_stars.h"
 #include "engine/stars/star.h"
 #include "engine/stars/star_detect_params.h"
 
@@ -87,7 +89,8 @@ private:
     void detectInLayer(StarRoad road, const zre::Image& starless, Base untouched);
     void detectAll(StarRoad road, const zre::Image& layer, const zre::Image& starless,
                    zre::Image* keepBack);
-    bool tryIncrementalErasureUpdate(const zre::Image& layer, const zre::Image& starless,
+    bool tryIncrementalErasureUpdate(const QString& layerKey, const zre::Image& layer,
+                                     const zre::Image& starless,
                                      const zre::StarDetectParams& detect, zre::Image* keepBack);
     void recolor(std::vector<zre::Star>& list) const;
     bool standsFor(const QString& key) const;
@@ -101,6 +104,7 @@ private:
     StarRoad prepared = StarRoad::Off;
     std::optional<QString> starsKey; ///< of `starList`, all but the erasures
     std::vector<zre::StarErasure> starsErasures;
+    Keyed<zre::LayerStats> layerStats; ///< of the stars layer that erasures are worked into
 
     Base base = Base::Source;
     zre::Image own; ///< a base that is no image of the session

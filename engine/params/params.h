@@ -127,6 +127,7 @@ struct ZRParams
     int maxRadius = 14;
     float backgroundScale = 6.0f;
     bool aiStarSeparation = true;
+    bool fillBehindStars = true;
     float starPop = 0.2f;
 
     bool operator==(const ZRParams&) const = default;

@@ -80,7 +80,7 @@ TEST(ParamList, HoldsEveryParameterWithALegalDefaultAndAMeaning)
     std::set<QString> meanings;
     const auto list = zrproj::parameterList();
     EXPECT_EQ(list.size(),
-              98u - 3u - 4u + 6u + 1u); // without retired and role keys; detection and erasures
+              98u - 3u - 4u + 7u + 1u); // without retired and role keys; detection and erasures
     for (const zrproj::ParamInfo& info : list) {
         EXPECT_TRUE(meanings.insert(info.meaning).second) << info.name.toStdString();
         EXPECT_GT(info.meaning.size(), 5) << info.name.toStdString();
