@@ -183,6 +183,8 @@ QString StarStage::baseKey() const
             .number(detect.maxRadius)
             .number(detect.backgroundScale)
             .text(session.params.fillBehindStars ? "fb1" : "fb0");
+    if (taken == StarRoad::Classical && session.params.fillBehindStars)
+        addDetection(key, detect); // what sprites cover is filled
     key.text(taken == StarRoad::Pair ? "ps1" : "ps0");
     if (taken == StarRoad::Learned)
         key.text(learnedKey());
