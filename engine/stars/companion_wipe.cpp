@@ -12,7 +12,8 @@ namespace {
 constexpr double kBudgetShare = 0.25; ///< of a part's light that may be wiped
 constexpr double kSmallShare = 0.5;   ///< of the star's light that a companion may have
 constexpr int kRelaxations = 48;
-constexpr double kMostGain = 4.0; ///< of the glow's colours
+constexpr double kMostGain = 4.0;        ///< of the glow's colours
+constexpr int kMostSeparation = 1 << 20; ///< wider than a picture, and safe to count with
 
 /// Highest value first, of equals the larger pixel.
 using Heap = std::priority_queue<std::pair<float, std::size_t>>;
@@ -76,7 +77,7 @@ void CompanionWipe::findPeaks()
     std::sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
         return m_plane[a] > m_plane[b] || (m_plane[a] == m_plane[b] && a < b);
     });
-    const int separation = std::max(m_params.companionSeparation, 0);
+    const int separation = std::clamp(m_params.companionSeparation, 0, kMostSeparation);
     const int cellSide = separation + 1;
     std::unordered_map<std::int64_t, std::vector<std::size_t>> grid;
     const auto cellOf = [&](int x, int y) { return std::int64_t{y} << 32 | std::int64_t{x}; };
@@ -101,7 +102,7 @@ void CompanionWipe::findPeaks()
 void CompanionWipe::markDiscs()
 {
     m_disc.assign(m_box.size(), -1);
-    const int reach = std::clamp(m_params.companionSeparation, 0, 1 << 20);
+    const int reach = std::clamp(m_params.companionSeparation, 0, kMostSeparation);
     const BlobBounds& bounds = m_box.bounds();
     for (std::size_t i = 0; i < m_peaks.size(); ++i) {
         const int x = m_box.column(m_peaks[i]);

@@ -218,7 +218,7 @@ void clearKeepBack(const Image& layer, Image* keepBack)
 {
     if (!keepBack)
         return;
-    if (keepBack->sameSize(layer) && keepBack->channels == layer.channels)
+    if (keepBack->usable() && keepBack->sameSize(layer))
         std::fill(keepBack->data.begin(), keepBack->data.end(), 0.0f);
     else
         *keepBack = Image(layer.width, layer.height, layer.channels >= 3 ? 1 : 0);

@@ -178,6 +178,16 @@ TEST(LayerDetection, ErasuresRemoveMoveBlendAndComeBack)
 
     Image keepBack;
     field.find(options(), {{30, 50, 20, 2, 1}}, &keepBack);
+    // A background of more channels than the layer keeps them, each with the layer's last.
+    Field grey(field.layer.width, field.layer.height);
+    grey.layer = Image(field.layer.width, field.layer.height, 0);
+    std::copy_n(field.layer.plane(0), field.layer.pixelCount(), grey.layer.plane(0));
+    Image coloured(field.layer.width, field.layer.height, 1);
+    grey.find(options(), {{30, 50, 20, 2, 1}}, &coloured);
+    ASSERT_EQ(coloured.channels, 3);
+    for (int c = 0; c < coloured.channels; ++c)
+        EXPECT_TRUE(std::equal(coloured.plane(c), coloured.plane(c) + coloured.pixelCount(),
+                               keepBack.plane(0)));
     EXPECT_NEAR(lightWithin(keepBack, 30, 50, 12) / lightWithin(field.layer, 30, 50, 12), 1.0,
                 0.02);
 
@@ -308,8 +318,9 @@ TEST(LayerDetection, NonsenseIsTakenWithoutHarm)
             StarDetectParams params = options(value, value);
             params.minPeak = value;
             params.thresholdSigma = value;
-            params.companionSeparation =
-                static_cast<int>(value == value ? std::min(value, 1e6f) : 0.0f);
+            params.companionSeparation = value > 1.0f   ? std::numeric_limits<int>::max()
+                                         : value < 0.0f ? -1
+                                                        : 0;
             std::vector<Star> stars;
             std::vector<StarErasure> erasures{
                 {1e300, -1e300, 1e300, 0, 2}, {5, 5, std::nan(""), 1, 1}, {8, 8, 4, -3, 2}};
