@@ -25,6 +25,7 @@
 #include "app/session/carry_over.h"
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
+#include "app/session/star_detection.h"
 
 class MainToolbar;
 class PreviewView;
@@ -104,6 +105,26 @@ public:
     /// Whether something before the user needs the depth map, as the star table does in any view.
     bool depthInUse() const { return m_starTable.isOpen() || m_render.viewNeedsDepth(); }
     void stageStatus(int percent, const QString& text) override { m_stages.stage(percent, text); }
+    void busyStatus(const QString& text) { m_stages.show(text); }
+    void updatePreview() { m_render.updatePreview(); }
+
+    void prepareInputs() { m_pipeline.prepareInputs(); }
+    const zre::Image* cachedDepth() { return m_pipeline.cachedDepth(); }
+    void computeCleanDepth(zre::Image& out) { m_pipeline.computeCleanDepth(out); }
+    QString depthCacheKey(bool includeModel, bool includeAnchor) const
+    {
+        return m_pipeline.depthCacheKey(includeModel, includeAnchor);
+    }
+    bool buildLayerView(int view, zre::Image& out, QString* status)
+    {
+        return m_pipeline.buildLayerView(view, out, status);
+    }
+    const std::vector<zre::Star>* activeStars() const { return m_pipeline.activeStars(); }
+    zre::StarDetectParams starDetectParams() const
+    {
+        return zre::starDetectParams(m_session.params);
+    }
+    float starPop() const { return m_session.params.starPop; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;

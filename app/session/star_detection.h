@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include <QMetaType>
 #include <QString>
 
 #include "engine/params/params.h"
@@ -13,6 +14,8 @@ namespace zre {
 StarDetectParams starDetectParams(const ZRParams& params);
 
 } // namespace zre
+
+Q_DECLARE_METATYPE(zre::StarDetectParams) // it may travel through queued signals
 
 /// The part of a detection's cache key that stands for the erasures.
 QString erasureCacheKey(const std::vector<zre::StarErasure>& erasures);
