@@ -12,7 +12,7 @@ int FrameFarm::threadsFor(int frames)
 }
 
 FrameFarm::FrameFarm(const Plan& plan, Render render)
-    : m_plan{plan.count, std::max(plan.threads, 1), std::max(plan.window, 1)}
+    : m_plan{plan.count, std::max(plan.threads, 1), std::max(plan.window, 1), plan.skipsFailed}
     , m_render(std::move(render))
     , m_slots(static_cast<std::size_t>(m_plan.window))
 {
@@ -44,7 +44,10 @@ void FrameFarm::work()
         try {
             finish(frame, m_render(frame));
         } catch (const std::bad_alloc&) {
-            fail("Out of memory.");
+            if (m_plan.skipsFailed)
+                finish(frame, {});
+            else
+                fail("Out of memory.");
         } catch (const std::exception& problem) {
             fail(QString::fromUtf8(problem.what()));
         }
@@ -66,7 +69,7 @@ bool FrameFarm::begin(int& frame)
 
 void FrameFarm::finish(int frame, QImage picture)
 {
-    if (picture.isNull()) {
+    if (picture.isNull() && !m_plan.skipsFailed) {
         fail(QString("Frame %1 could not be rendered.").arg(frame + 1));
         return;
     }

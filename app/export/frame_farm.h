@@ -13,7 +13,7 @@
 ///
 /// Each worker takes the next number and fills a slot of its own; at most `window` frames stand
 /// beyond the last one taken, so that memory stays bounded when the taker is slow. What a render
-/// throws stops the farm and is its error.
+/// throws stops the farm and is its error, unless the plan skips failed frames.
 class FrameFarm
 {
 public:
@@ -22,6 +22,8 @@ public:
         int count = 0;   ///< frames 0 to count - 1
         int threads = 1; ///< at least 1
         int window = 1;  ///< at least 1
+        /// A frame that cannot be drawn is handed out null, and the others go on.
+        bool skipsFailed = false;
     };
 
     /// Draws a frame; called on worker threads, several at once. A null picture counts as failed.

@@ -244,6 +244,7 @@ bool DocumentController::openWith(const Opening& opening)
     Session loaded;
     if (!decode(opening, loaded))
         return false;
+    m_host.stopPlayback("opening an image");
     const QScopedValueRollback<bool> asking(m_asking, true);
     const int answer = askAbout(opening, loaded);
     if (answer == kCancel)

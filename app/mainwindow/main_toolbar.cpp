@@ -34,6 +34,8 @@ constexpr std::array kButtons{
     ButtonRow{"zoomIn", ToolbarGroup::View, false},
     ButtonRow{"zoomToFit", ToolbarGroup::View, false},
     ButtonRow{"zoomToPixels", ToolbarGroup::View, false},
+    ButtonRow{"playWiggle", ToolbarGroup::Play, false},
+    ButtonRow{"playFlyby", ToolbarGroup::Play, false},
     ButtonRow{"preferences", ToolbarGroup::Tools, false},
 };
 

@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QVBoxLayout>
 
 #include "app/mainwindow/empty_state.h"
 #include "app/mainwindow/help_text.h"
@@ -19,6 +20,7 @@
 #include "app/mainwindow/readout.h"
 #include "app/panel/control_panel.h"
 #include "app/persist/appcfg.h"
+#include "app/playback/transport_bar.h"
 #include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
 #include "engine/qt/zre_qt.h"
@@ -45,10 +47,16 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
                            m_preview->setPreview(std::move(picture), processed);
                        },
                        [this] { syncParamsFromUi(); }, [this] { return activeColorRows(); },
-                       [this] { pictureShown(); }, [this] { return depthInUse(); }})
+                       [this] { pictureShown(); }, [this] { return depthInUse(); },
+                       [this] { return refreshPlayback(); }})
     , m_params(*this, [this] { onParamsChanged(); })
     , m_colorPick(*this, *m_preview,
                   [this](int row, const QColor& color) { m_params.setPickedColor(row, color); })
+    , m_playback(*this, *this,
+                 {[this](QImage frame) { showPlaybackFrame(std::move(frame)); },
+                  [this] { return m_preview->size() * m_preview->devicePixelRatioF(); },
+                  [this] { syncParamsFromUi(); }, [this] { renderNow(); },
+                  [this] { updateGates(); }})
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), pairOpener(),
                opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile))
     , m_drops(
@@ -72,6 +80,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     connect(m_preview, &PreviewView::cursorMoved, this, &MainWindow::showReadout);
     connect(m_preview, &PreviewView::cursorLeft, this, [this] { m_stages.showReadout({}); });
     buildMenus();
+    m_playback.setActions({findChild<QAction*>("playWiggle"), findChild<QAction*>("playFlyby")});
     m_toolbar = new MainToolbar(*this);
     addToolBar(m_toolbar);
     connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
@@ -110,6 +119,7 @@ void MainWindow::buildMenus()
     static constexpr const char* kFile = "&File";
     static constexpr const char* kEdit = "&Edit";
     static constexpr const char* kView = "&View";
+    static constexpr const char* kPlay = "&Play";
     static constexpr const char* kHelp = "&Help";
     static constexpr std::array kRows{
         ActionRow{kFile, "newDocument", "&New", Key::New, "Ctrl+N", Gate::Always,
@@ -156,6 +166,12 @@ void MainWindow::buildMenus()
                   Gate::NeedsImage, nullptr, &MainWindow::showFoundStars},
         ActionRow{kView, "showStarTable", "Star &Table...", Key::UnknownKey, "Ctrl+T",
                   Gate::NeedsImage, &MainWindow::showStarTable},
+        ActionRow{kPlay, "playWiggle", "Play Parallax &Motion", Key::UnknownKey, "P",
+                  Gate::NeedsImage, nullptr, &MainWindow::onPlayWiggleToggled},
+        ActionRow{kPlay, "playFlyby", "Play &Flyby", Key::UnknownKey, "Shift+P", Gate::NeedsImage,
+                  nullptr, &MainWindow::onPlayFlybyToggled},
+        ActionRow{kPlay, "stopPlayback", "&Stop", Key::UnknownKey, "Esc", Gate::NeedsPlayback,
+                  &MainWindow::onStopClicked},
         ActionRow{kHelp, "showTabHelp", "Help for This &Tab", Key::HelpContents, "F1", Gate::Always,
                   &MainWindow::showTabHelp},
         ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::UnknownKey, "Ctrl+/",
@@ -180,7 +196,7 @@ void MainWindow::buildControlPanel()
     m_splitter = new QSplitter(this);
     ControlPanel& panel = m_params.buildControlPanel(m_splitter);
     m_splitter->addWidget(&panel);
-    m_splitter->addWidget(m_preview);
+    m_splitter->addWidget(buildPreviewPane());
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({kPanelWidth, width() - kPanelWidth});
@@ -195,6 +211,19 @@ void MainWindow::buildControlPanel()
     connect(&panel, &ControlPanel::loadColorProfileRequested, this, &MainWindow::loadColorProfile);
     connect(&panel, &ControlPanel::saveColorProfileRequested, this, &MainWindow::saveColorProfile);
     connect(&panel, &ControlPanel::pickColorRequested, this, &MainWindow::pickColor);
+}
+
+/// The preview with the controls of what plays below it.
+QWidget* MainWindow::buildPreviewPane()
+{
+    auto* pane = new QWidget(m_splitter);
+    auto* column = new QVBoxLayout(pane);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(m_preview, 1);
+    m_transport = &m_playback.buildTransportBar(pane);
+    column->addWidget(m_transport);
+    return pane;
 }
 
 void MainWindow::addViewActions(QMenu& menu)
@@ -281,6 +310,7 @@ void MainWindow::updateGates()
 {
     for (const GatedAction& row : m_actions)
         row.action->setEnabled(isOpen(row.gate));
+    m_transport->setVisible(m_session.hasSource());
 }
 
 bool MainWindow::isOpen(Gate gate) const
@@ -290,6 +320,8 @@ bool MainWindow::isOpen(Gate gate) const
         return m_session.hasSource();
     case Gate::NeedsDepthMap:
         return m_session.externalDepth.usable();
+    case Gate::NeedsPlayback:
+        return m_playback.isActive();
     case Gate::Always:
         break;
     }
@@ -303,6 +335,7 @@ void MainWindow::documentReplaced()
     setWindowTitle(windowTitleFor(m_session));
     for (QAction* view : m_views->actions())
         view->setChecked(view->data().toInt() == m_session.outputMode);
+    m_playback.documentReplaced();
     m_params.documentReplaced();
     m_starOverlay.documentReplaced();
     m_starTable.documentReplaced();
@@ -317,6 +350,19 @@ void MainWindow::documentChanged(const zre::ZRParams& params, const QString& lab
     renderNow();
 }
 
+void MainWindow::showPlaybackFrame(QImage frame)
+{
+    m_preview->setStarMarks({}); // they stand elsewhere in it
+    m_stages.showReadout({});
+    m_preview->setPreview(std::move(frame));
+}
+
+void MainWindow::onOutputModeChanged(int view)
+{
+    m_playback.dropPlayback();
+    m_render.onOutputModeChanged(view);
+}
+
 void MainWindow::showZoom(double scale, bool fitted)
 {
     const QString percent = QString::number(std::lround(scale * 100)) + " %";
@@ -325,6 +371,8 @@ void MainWindow::showZoom(double scale, bool fitted)
 
 void MainWindow::showReadout(QPointF inPicture)
 {
+    if (m_playback.isActive())
+        return; // the frame's pixels are not the picture's
     m_stages.showReadout(readoutText(m_session, m_pipeline.standingDepth(), inPicture));
 }
 

@@ -12,6 +12,7 @@
 #include "app/mainwindow/document_controller.h"
 #include "app/mainwindow/drop_controller.h"
 #include "app/mainwindow/params_controller.h"
+#include "app/mainwindow/playback_controller.h"
 #include "app/mainwindow/preferences_controller.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/recent_controller.h"
@@ -37,7 +38,8 @@ enum class Gate
 {
     Always,
     NeedsImage,
-    NeedsDepthMap
+    NeedsDepthMap,
+    NeedsPlayback
 };
 
 /// The program's window: owns the session and the controllers, builds menus and bars, and forwards.
@@ -95,7 +97,13 @@ public:
     int activeColorRows() const { return m_params.activeColorRows(); }
     void setImageGatedSectionsEnabled(bool on) { m_params.setImageGatedSectionsEnabled(on); }
     void onParamsChanged();
-    void onOutputModeChanged(int view) { m_render.onOutputModeChanged(view); }
+    void onOutputModeChanged(int view);
+    void onPlayWiggleToggled(bool on) { m_playback.onPlayWiggleToggled(on); }
+    void onPlayFlybyToggled(bool on) { m_playback.onPlayFlybyToggled(on); }
+    void onStopClicked() { m_playback.onStopClicked(); }
+    int playbackFps() const { return m_playback.playbackFps(); }
+    bool refreshPlayback() { return m_playback.refreshPlayback(); }
+    void stopPlayback(const QString& reason) override { m_playback.stopPlayback(reason); }
     int currentOutputMode() const { return m_session.outputMode; }
     bool renderCurrentViewFullRes(zre::Image& out);
 
@@ -154,6 +162,7 @@ private:
     std::function<void(const QString&, const QString&)> pairOpener();
     void buildMenus();
     void buildControlPanel();
+    QWidget* buildPreviewPane();
     void addHistoryActions(QMenu& menu);
     void addViewActions(QMenu& menu);
     void addRow(const ActionRow& row);
@@ -162,6 +171,7 @@ private:
     bool isOpen(Gate gate) const;
     void showZoom(double scale, bool fitted);
     void showReadout(QPointF inPicture);
+    void showPlaybackFrame(QImage frame);
 
     void buildRecentMenu();
     void openImage() { m_documents.openImage(); }
@@ -199,6 +209,7 @@ private:
     RenderController m_render;
     ParamsController m_params;
     ColorPickController m_colorPick;
+    PlaybackController m_playback;
     DocumentController m_documents{*this};
     DepthMapController m_depthMaps{*this};
     ColorProfileController m_colorProfiles{*this};
@@ -208,6 +219,7 @@ private:
     StarTableController m_starTable;
     PreferencesController m_preferences;
     QSplitter* m_splitter = nullptr;  ///< owned by the window
+    QWidget* m_transport = nullptr;   ///< owned by the window
     MainToolbar* m_toolbar = nullptr; ///< owned by the window
     QActionGroup* m_views = nullptr;  ///< owned by the window
     QMenu* m_recentMenu = nullptr;    ///< owned by the window

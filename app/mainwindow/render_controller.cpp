@@ -66,6 +66,8 @@ void RenderController::renderNow()
     if (!m_host.session().hasSource())
         return;
     m_timer.stop(); // this picture shows all that it waits for
+    if (m_hooks.refreshPlayback && m_hooks.refreshPlayback())
+        return;
     m_hooks.syncParams();
     m_host.showStatus("Updating...");
     const bool withProgress = deservesProgress();

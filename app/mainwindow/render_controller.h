@@ -28,6 +28,8 @@ public:
         std::function<void()> shown = {};
         /// Whether more than the view needs the depth map and the stars; empty for no.
         std::function<bool()> depthInUse = {};
+        /// While a motion plays it takes the change over, and no still view is rendered.
+        std::function<bool()> refreshPlayback = {};
     };
 
     RenderController(ShellHost& host, Hooks hooks);

@@ -37,6 +37,9 @@ public:
     /// which the user knows as the one step `label`: shows all of it and renders.
     virtual void documentChanged(const zre::ZRParams& params, const QString& label) = 0;
 
+    /// Ends what plays, if anything does, with a word to the user: it was for `reason`.
+    virtual void stopPlayback(const QString& reason) = 0;
+
 protected:
     ~ShellHost() = default;
 };

@@ -61,6 +61,7 @@ void StillController::saveImage()
     if (path.isEmpty())
         return;
     appcfg::rememberDialogPath(kDialog, path);
+    m_host.stopPlayback("image export");
 
     zre::Image still;
     m_host.showStatus("Rendering " + word + " at full resolution...");

@@ -37,6 +37,8 @@ constexpr std::array kToolbarRows{
                "The button that writes the current view into a file."},
     ToolbarRow{appcfg::ToolbarGroup::View, "View",
                "The buttons of the views and of the preview's scale."},
+    ToolbarRow{appcfg::ToolbarGroup::Play, "Play",
+               "The buttons that play the parallax motion and the flyby."},
     ToolbarRow{appcfg::ToolbarGroup::Tools, "Tools",
                "The buttons that undo, redo and open this dialog."},
 };

@@ -9,7 +9,7 @@
 
 #define ZR_MAGNIFIER "<circle cx='10.5' cy='10.5' r='6.3'/><path d='M15.2 15.2 L20.4 20.4'/>"
 
-const std::array<ToolbarIcon, 15> kToolbarIcons{{
+const std::array<ToolbarIcon, 19> kToolbarIcons{{
     {"openImage", ZR_ICON("<path d='M3.6 18.6 V6 A1.2 1.2 0 0 1 4.8 4.8 H9.4 L11.6 7.2 H18 "
                           "A1.2 1.2 0 0 1 19.2 8.4 V10.4'/>"
                           "<path d='M3.6 18.6 L6.3 10.4 H22 L19.2 18.6 Z'/>")},
@@ -56,6 +56,15 @@ const std::array<ToolbarIcon, 15> kToolbarIcons{{
              "M3.8 17.4 H13.4 M18.2 17.4 H20.2'/><circle cx='14.6' cy='6.6' r='2.2'/>"
              "<circle cx='8.6' cy='12' r='2.2'/>"
              "<circle cx='15.8' cy='17.4' r='2.2'/>")},
+    {"playWiggle", ZR_ICON("<path d='M7.6 5 V19 L19 12 Z' fill='currentColor' "
+                           "fill-opacity='0.35'/>")},
+    {"pausePlayback", ZR_ICON("<path d='M8.4 5.4 V18.6 M15.6 5.4 V18.6' stroke-width='3.4'/>")},
+    {"stopPlayback", ZR_ICON("<rect x='6' y='6' width='12' height='12' rx='1.4' "
+                             "fill='currentColor' fill-opacity='0.35'/>")},
+    {"playFlyby",
+     ZR_ICON("<path d='M3.6 18.4 C7.4 18.4 6.4 8.4 11.4 8.4 C14.4 8.4 14 12.4 16.4 12.4' "
+             "stroke-dasharray='2.6 2.6'/><path d='M15.2 8 L21.6 12.4 L15.2 16.8 Z' "
+             "fill='currentColor' fill-opacity='0.35'/>")},
     {"menuArrow", ZR_ICON("<path d='M6.5 9.5 L12 15 L17.5 9.5' stroke-width='2.4'/>")},
 }};
 

@@ -9,7 +9,7 @@ struct ToolbarIcon
     const char* svg;
 };
 
-extern const std::array<ToolbarIcon, 15> kToolbarIcons;
+extern const std::array<ToolbarIcon, 19> kToolbarIcons;
 
 /// The drawing of an action; null for one without.
 const char* toolbarIconFor(const char* action);

@@ -69,6 +69,21 @@ TEST(FrameFarm, WhatARenderThrowsOrLeavesOutIsTheError)
     }
 }
 
+TEST(FrameFarm, FailedFramesCanBeSkipped)
+{
+    FrameFarm farm({30, 3, 30, true}, [](int frame) {
+        return frame % 3 == 0   ? QImage()
+               : frame % 3 == 1 ? throw std::bad_alloc()
+                                : numbered(frame);
+    });
+    for (int frame = 0; frame < 30; ++frame) {
+        ASSERT_TRUE(farm.waitForNext(2000));
+        EXPECT_EQ(farm.takeNext(), frame % 3 == 2 ? numbered(frame) : QImage()) << frame;
+    }
+    EXPECT_FALSE(farm.failed());
+    EXPECT_EQ(farm.done(), 30);
+}
+
 TEST(FrameFarm, StopsWhileFullWhileBusyAndWhileEmpty)
 {
     for (const int count : {0, 1, 50}) {

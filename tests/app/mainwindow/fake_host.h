@@ -16,6 +16,7 @@ public:
     Script script;
     QStringList statuses;
     QStringList steps; ///< labels of the changes made to the open document
+    QStringList stops; ///< reasons why playback was to end
     int replaced = 0;
 
     Session& session() override { return document; }
@@ -33,6 +34,7 @@ public:
         document.params = params;
         steps << label;
     }
+    void stopPlayback(const QString& reason) override { stops << reason; }
 
 private:
     RenderPipeline m_pipeline{document};

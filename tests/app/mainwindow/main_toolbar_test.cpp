@@ -44,7 +44,7 @@ TEST(MainToolbar, AGroupThatIsSwitchedOffLeavesNothingBehind)
 {
     const PrivateSettings own;
     for (const appcfg::ToolbarGroup group :
-         {appcfg::ToolbarGroup::View, appcfg::ToolbarGroup::Tools})
+         {appcfg::ToolbarGroup::View, appcfg::ToolbarGroup::Play, appcfg::ToolbarGroup::Tools})
         appcfg::setToolbarGroupShown(group, false);
     MainWindow window;
     window.show();

@@ -104,6 +104,29 @@ struct Window : testing::Test
     }
 };
 
+TEST_F(Window, AnotherViewOrDocumentEndsPlayback)
+{
+    ASSERT_TRUE(window.loadImageFromPath(noiseFile("plays.png")));
+    EXPECT_FALSE(action("stopPlayback")->isEnabled());
+    auto& bar = *window.findChild<QWidget*>("transportBar");
+    EXPECT_TRUE(bar.isVisible());
+    const std::function<void()> ends[] = {
+        [this] { action("view.depth")->trigger(); }, [this] { window.newDocument(); },
+        [this] { window.loadImageFromPath(noiseFile("other.png", 4)); }};
+    for (const auto& end : ends) {
+        ASSERT_TRUE(window.loadImageFromPath(noiseFile("plays.png")));
+        action("playWiggle")->trigger();
+        ASSERT_TRUE(action("playWiggle")->isChecked());
+        EXPECT_TRUE(action("stopPlayback")->isEnabled());
+        EXPECT_TRUE(status().startsWith("Parallax motion playing...")) << status().toStdString();
+        end();
+        EXPECT_FALSE(action("playWiggle")->isChecked());
+        EXPECT_FALSE(action("stopPlayback")->isEnabled());
+    }
+    window.newDocument();
+    EXPECT_FALSE(bar.isVisible());
+}
+
 } // namespace
 
 TEST_F(Window, ActionsThatNeedAnImageWaitForOne)
