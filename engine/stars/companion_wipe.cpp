@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <queue>
 #include <unordered_map>
 
@@ -51,7 +52,7 @@ bool CompanionWipe::run()
     m_place.assign(m_box.size(), -1);
     markDiscs();
     buildRings();
-    m_primarySum = hillSum(m_peaks.front());
+    m_primarySum = hillSum(m_peaks.front(), std::numeric_limits<double>::infinity());
     for (std::size_t i = m_peaks.size() - 1; i >= 1; --i)
         tryCompanion(static_cast<std::int32_t>(i));
     return true;
@@ -142,8 +143,9 @@ std::uint32_t CompanionWipe::nextStamp()
     return m_stamp;
 }
 
-/// The light of a peak and all that hangs on it below the first pixel that is higher.
-double CompanionWipe::hillSum(std::size_t seed)
+/// The light of a peak and all that hangs on it below the first pixel that is higher; what exceeds
+/// `enough` is not counted to the end.
+double CompanionWipe::hillSum(std::size_t seed, double enough)
 {
     const std::uint32_t stamp = nextStamp();
     Heap heap;
@@ -155,7 +157,7 @@ double CompanionWipe::hillSum(std::size_t seed)
         heap.emplace(m_plane[pixel], pixel);
     };
     double sum = 0.0;
-    for (push(seed); !heap.empty();) {
+    for (push(seed); !heap.empty() && sum <= enough;) {
         const auto [value, pixel] = heap.top();
         heap.pop();
         if (value > m_plane[seed])
@@ -196,10 +198,14 @@ void CompanionWipe::tryCompanion(std::int32_t index)
     Hill hill{m_peaks[static_cast<std::size_t>(index)], index, 0.0f};
     const double height = static_cast<double>(m_plane[hill.peak]);
     const double primary = static_cast<double>(m_plane[m_peaks.front()]);
+    const double most = kSmallShare * m_primarySum;
+    // The saddle first: the peaks of noise and of plateaus end there, where whole hills would have
+    // to be walked for each.
     if (!isFree(hill.peak) || !(height < static_cast<double>(m_params.companionWipe) * primary) ||
-        hillSum(hill.peak) > kSmallShare * m_primarySum || !findSaddle(hill) ||
+        !findSaddle(hill) ||
         height - static_cast<double>(hill.level) <
-            static_cast<double>(m_params.companionProminence))
+            static_cast<double>(m_params.companionProminence) ||
+        hillSum(hill.peak, most) > most)
         return;
     std::vector<std::size_t> pixels = footprint(hill);
     growFootprint(hill, pixels);

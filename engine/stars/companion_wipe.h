@@ -46,7 +46,7 @@ private:
     void markDiscs();
     void buildRings();
     void tryCompanion(std::int32_t index);
-    double hillSum(std::size_t seed);
+    double hillSum(std::size_t seed, double enough);
     bool findSaddle(Hill& hill);
     std::vector<std::size_t> footprint(const Hill& hill);
     double reachOf(const Hill& hill, const std::vector<std::size_t>& pixels) const;

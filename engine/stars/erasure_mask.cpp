@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace zre {
 
@@ -10,16 +11,28 @@ static constexpr double kLeastFeather = 1e-6;
 /// Coverage that is not seen any more.
 static constexpr float kNoCoverage = 0.0001f;
 
+ErasureMask::ErasureMask(const std::vector<StarErasure>& erasures)
+    : m_erasures(erasures)
+{
+    std::vector<std::size_t> every(erasures.size());
+    std::iota(every.begin(), every.end(), std::size_t{0});
+    m_all.build(erasures, every);
+}
+
 void ErasureMask::select(double x, double y, double w, double h)
 {
     m_selected.clear();
-    for (std::size_t i = 0; i < m_erasures.size(); ++i) {
+    if (m_erasures.empty())
+        return;
+    for (const std::size_t i : m_all.meeting(x, y, w, h)) {
         const StarErasure& e = m_erasures[i];
         const double reach = e.radius + e.feather;
         // Written so that an erasure with a NaN touches nothing.
         if (e.x + reach >= x && e.x - reach <= x + w && e.y + reach >= y && e.y - reach <= y + h)
             m_selected.push_back(i);
     }
+    if (m_selected.size() >= kWorthAGrid)
+        m_near.build(m_erasures, m_selected);
 }
 
 bool ErasureMask::hasBlend() const
@@ -30,12 +43,14 @@ bool ErasureMask::hasBlend() const
 
 bool ErasureMask::covers(double x, double y) const
 {
-    return std::any_of(m_selected.begin(), m_selected.end(), [&](std::size_t i) {
+    bool covered = false;
+    forNear(x, y, [&](std::size_t i) {
         const StarErasure& e = m_erasures[i];
         const double dx = x - e.x;
         const double dy = y - e.y;
-        return e.radius >= 0.0 && dx * dx + dy * dy <= e.radius * e.radius;
+        covered |= e.radius >= 0.0 && dx * dx + dy * dy <= e.radius * e.radius;
     });
+    return covered;
 }
 
 double erasureCoverage(const StarErasure& e, double x, double y)
@@ -53,17 +68,17 @@ void ErasureMask::coverageAt(double x, double y, double& remove, double& keepBac
     remove = 0.0;
     keepBack = 0.0;
     double blended = 0.0;
-    for (const std::size_t i : m_selected) {
+    forNear(x, y, [&](std::size_t i) {
         const StarErasure& e = m_erasures[i];
         const double coverage = erasureCoverage(e, x, y);
         if (e.mode == kErasureBlends) {
             blended = std::max(blended, coverage);
-            continue;
+            return;
         }
         remove = std::max(remove, coverage);
         if (e.mode == kErasureMovesToBackground)
             keepBack = std::max(keepBack, coverage);
-    }
+    });
     if (blend)
         *blend = blended;
 }

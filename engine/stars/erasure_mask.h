@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/params/star_erasure.h"
+#include "engine/stars/erasure_grid.h"
 #include "engine/stars/star.h"
 
 namespace zre {
@@ -13,10 +14,7 @@ namespace zre {
 class ErasureMask
 {
 public:
-    explicit ErasureMask(const std::vector<StarErasure>& erasures)
-        : m_erasures(erasures)
-    {
-    }
+    explicit ErasureMask(const std::vector<StarErasure>& erasures);
 
     /// Selects the erasures whose square of half-side radius + feather touches the box; its edges
     /// count.
@@ -33,9 +31,23 @@ public:
 
     const std::vector<StarErasure>& erasures() const { return m_erasures; }
     const std::vector<std::size_t>& selected() const { return m_selected; }
+    /// Calls `visit(index)`, ascending, for the selected that may cover a point, at least.
+    template <class Visit>
+    void forNear(double x, double y, const Visit& visit) const
+    {
+        if (m_selected.size() >= kWorthAGrid)
+            m_near.forNear(x, y, visit);
+        else
+            for (const std::size_t index : m_selected)
+                visit(index);
+    }
 
 private:
+    static constexpr std::size_t kWorthAGrid = 16; ///< below, to look at all is quicker
+
     const std::vector<StarErasure>& m_erasures;
+    ErasureGrid m_all;
+    ErasureGrid m_near; ///< of the selected, when they are many
     std::vector<std::size_t> m_selected;
 };
 

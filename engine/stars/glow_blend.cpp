@@ -24,9 +24,11 @@ GlowBlend::GlowBlend(const Image& layer, const float* plane, const std::vector<s
             m_rings.add(pixel);
     }
     m_rings.finish();
+    std::vector<std::size_t> byPlace = part;
+    std::sort(byPlace.begin(), byPlace.end());
     for (const std::size_t index : mask.selected())
         if (mask.erasures()[index].mode == kErasureBlends)
-            m_discs.push_back({&mask.erasures()[index], measureScale(mask.erasures()[index])});
+            m_scales[index] = measureScale(mask.erasures()[index], byPlace);
 }
 
 std::size_t GlowBlend::brightest() const
@@ -54,7 +56,8 @@ static double middle(std::vector<double>& values)
 }
 
 /// How the star's light just outside a disc compares with the model: its halo need not be round.
-double GlowBlend::measureScale(const StarErasure& erasure) const
+double GlowBlend::measureScale(const StarErasure& erasure,
+                               const std::vector<std::size_t>& byPlace) const
 {
     constexpr std::size_t kFewestSamples = 8;
     constexpr double kNoModel = 1e-6;
@@ -63,7 +66,15 @@ double GlowBlend::measureScale(const StarErasure& erasure) const
     const double outer = erasure.radius + std::max(0.6 * erasure.radius, 4.0);
     std::vector<double> measured;
     std::vector<double> modelled;
-    for (const std::size_t pixel : m_part) {
+    const auto rowStart = [&](double row) {
+        const double bound = row > 0.0 ? std::min(std::floor(row), double(m_layer.height)) : 0.0;
+        const auto first =
+            static_cast<std::size_t>(bound) * static_cast<std::size_t>(m_layer.width);
+        return std::lower_bound(byPlace.begin(), byPlace.end(), first);
+    };
+    const auto end = rowStart(erasure.y + outer + 1.0);
+    for (auto at = rowStart(erasure.y - outer); at < end; ++at) {
+        const std::size_t pixel = *at;
         const double distance = std::hypot(x(pixel) - erasure.x, y(pixel) - erasure.y);
         double remove = 0.0;
         double keepBack = 0.0;
@@ -90,13 +101,16 @@ double GlowBlend::weight(std::size_t pixel) const
         return 1.0;
     double coverage = 0.0;
     double scale = 1.0;
-    for (const Disc& disc : m_discs) {
-        const double own = erasureCoverage(*disc.erasure, x(pixel), y(pixel));
+    m_mask.forNear(x(pixel), y(pixel), [&](std::size_t index) {
+        const StarErasure& erasure = m_mask.erasures()[index];
+        if (erasure.mode != kErasureBlends)
+            return;
+        const double own = erasureCoverage(erasure, x(pixel), y(pixel));
         if (own > coverage) {
             coverage = own;
-            scale = disc.scale;
+            scale = m_scales.at(index);
         }
-    }
+    });
     if (coverage == 0.0)
         return 1.0;
     const double share = std::min(1.0, m_rings.at(pixel) * scale / value);

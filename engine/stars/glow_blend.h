@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <unordered_map>
 #include <vector>
 
 #include "engine/image/image.h"
@@ -22,15 +23,8 @@ public:
     double weight(std::size_t pixel) const;
 
 private:
-    /// A blending erasure, and how bright its surroundings are against the model.
-    struct Disc
-    {
-        const StarErasure* erasure;
-        double scale = 1.0;
-    };
-
     std::size_t brightest() const;
-    double measureScale(const StarErasure& erasure) const;
+    double measureScale(const StarErasure& erasure, const std::vector<std::size_t>& byPlace) const;
     double x(std::size_t pixel) const;
     double y(std::size_t pixel) const;
 
@@ -39,7 +33,8 @@ private:
     const std::vector<std::size_t>& m_part;
     const ErasureMask& m_mask;
     RingProfile m_rings;
-    std::vector<Disc> m_discs;
+    /// How bright the surroundings of each blending erasure are against the model.
+    std::unordered_map<std::size_t, double> m_scales;
 };
 
 } // namespace zre
