@@ -93,7 +93,7 @@ void findTaps(const Axis& axis, SpriteTaps& taps)
     while (last >= first && !axis.within(axis.source(last)))
         --last;
     taps.first = static_cast<std::size_t>(first);
-    taps.count = static_cast<std::size_t>(last - first + 1);
+    taps.count = static_cast<std::size_t>(last - first) + 1;
     if (taps.at.size() < taps.count) {
         taps.at.resize(taps.count);
         taps.next.resize(taps.count);

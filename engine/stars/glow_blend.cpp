@@ -45,7 +45,8 @@ double GlowBlend::x(std::size_t pixel) const
 
 double GlowBlend::y(std::size_t pixel) const
 {
-    return static_cast<double>(pixel / static_cast<std::size_t>(m_layer.width));
+    const std::size_t row = pixel / static_cast<std::size_t>(m_layer.width);
+    return static_cast<double>(row);
 }
 
 static double middle(std::vector<double>& values)

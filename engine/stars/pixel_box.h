@@ -58,7 +58,7 @@ public:
     }
 
 private:
-    static std::size_t side(int from, int to) { return static_cast<std::size_t>(to - from + 1); }
+    static std::size_t side(int from, int to) { return static_cast<std::size_t>(to - from) + 1; }
 
     std::size_t m_imageWidth;
     BlobBounds m_bounds;

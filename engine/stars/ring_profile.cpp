@@ -15,9 +15,10 @@ RingProfile::RingProfile(const Image& layer, const float* plane, std::size_t cen
 double RingProfile::radius(std::size_t pixel) const
 {
     const auto width = static_cast<std::size_t>(m_layer.width);
-    const double dx = static_cast<double>(pixel % width) - static_cast<double>(m_centre % width);
-    const double dy = static_cast<double>(pixel / width) - static_cast<double>(m_centre / width);
-    return std::hypot(dx, dy);
+    const std::size_t row = pixel / width;
+    const std::size_t centreRow = m_centre / width;
+    return std::hypot(static_cast<double>(pixel % width) - static_cast<double>(m_centre % width),
+                      static_cast<double>(row) - static_cast<double>(centreRow));
 }
 
 void RingProfile::add(std::size_t pixel)
