@@ -229,7 +229,7 @@ bool DocumentController::confirmPairResize(int newWidth, int newHeight)
     const Session& session = m_host.session();
     const QSize oldSize = sizeOf(session.source);
     const QSize newSize(newWidth, newHeight);
-    const QStringList items = carryableItems(session);
+    const QStringList items = losableItems(session);
     if (!session.hasSource() || items.isEmpty() || sameProportions(oldSize, newSize))
         return true;
     return m_host.prompter()
@@ -247,9 +247,28 @@ bool DocumentController::openWith(const Opening& opening)
     m_host.stopPlayback("opening an image");
     const QScopedValueRollback<bool> asking(m_asking, true);
     const int answer = askAbout(opening, loaded);
-    if (answer == kCancel)
+    bool movesPath = false;
+    if (answer == kCancel ||
+        (answer == kStartFresh && !maybeRescaleFlybyForSize(sizeOf(loaded.source), movesPath)))
         return false;
-    return m_host.busyRun([&] { install(opening, std::move(loaded), answer == kCarryOver); });
+    return m_host.busyRun([&] {
+        if (movesPath)
+            rescaleFlybyPath(m_host.session(), m_host.session().flybyScriptSize,
+                             sizeOf(loaded.source));
+        install(opening, std::move(loaded), answer == kCarryOver);
+    });
+}
+
+bool DocumentController::maybeRescaleFlybyForSize(QSize image, bool& rescale)
+{
+    const Session& session = m_host.session();
+    rescale = false;
+    if (!flybyPathMisfits(session, image))
+        return true;
+    const std::optional<int> answer = m_host.prompter().choose(
+        "Zerrith - Flyby", flybyRescaleQuestion(session, image), {"Yes", "No"});
+    rescale = answer == 0;
+    return answer.has_value();
 }
 
 int DocumentController::askAbout(const Opening& opening, const Session& loaded)

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include <QSize>
 #include <QString>
 
 class ShellHost;
@@ -50,6 +51,9 @@ public:
     /// Whether a pair of the size given may be opened although what the session holds cannot go on
     /// with it, its proportions being others. Not asked when nothing is lost.
     bool confirmPairResize(int newWidth, int newHeight);
+    /// Asks whether a flyby path made for another size follows to an image of this one. False when
+    /// the user cancels; not asked when there is nothing to follow.
+    bool maybeRescaleFlybyForSize(QSize image, bool& rescale);
     /// The session's image was read from `path`.
     void addRecentFile(const QString& path);
     /// The session's layers were read from these files.

@@ -88,6 +88,16 @@ constexpr std::array kTabHelp{
                   "How the depths of the picture are spread, and what becomes of them: the shift "
                   "between the two eyes in pixels. The solid line is the plane of the screen, what "
                   "lies to its right comes out of it, and the dashed lines are Max disparity."},
+    HelpParagraph{"Stereo", "Parallax motion (wiggle)",
+                  "The viewpoint swings from side to side, which shows the depth without glasses: "
+                  "Play > Play Parallax Motion (key P). Amplitude is how far it swings, 1 being "
+                  "the distance of the eyes; Frames and Frame rate are how long one swing takes. "
+                  "Path angle is its direction, 0\u00b0 sideways and 90\u00b0 up and down; with "
+                  "Circular sweep it goes round instead."},
+    HelpParagraph{"Stereo", "Flyby frame",
+                  "The window through which a flyby looks at the picture, at zoom 1. A frame "
+                  "smaller than the picture can travel over it. Ratio sets the largest frame of a "
+                  "shape."},
     HelpParagraph{"Stereo", "Anaglyph",
                   "How the two eyes share the colors of one picture. Put the glasses on and even "
                   "out the two lenses with the tint: it is for your screen and enters no file."},

@@ -13,6 +13,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "app/flyby/scc_dialog.h"
 #include "app/mainwindow/empty_state.h"
 #include "app/mainwindow/help_text.h"
 #include "app/mainwindow/main_toolbar.h"
@@ -57,8 +58,11 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
                   [this] { return m_preview->size() * m_preview->devicePixelRatioF(); },
                   [this] { syncParamsFromUi(); }, [this] { renderNow(); },
                   [this] { updateGates(); }})
+    , m_flyby(*this, {[this](const FlybyController::Rescale& from) { return askRescale(from); },
+                      [this] { refreshPlayback(); }})
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), pairOpener(),
-               opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile))
+               opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
+               opener(&MainWindow::loadFlybyScriptFile))
     , m_drops(
           *this, [this](const QString& path) { m_documents.openWithPartner(path); },
           opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
@@ -120,6 +124,7 @@ void MainWindow::buildMenus()
     static constexpr const char* kEdit = "&Edit";
     static constexpr const char* kView = "&View";
     static constexpr const char* kPlay = "&Play";
+    static constexpr const char* kFlyby = "F&lyby";
     static constexpr const char* kHelp = "&Help";
     static constexpr std::array kRows{
         ActionRow{kFile, "newDocument", "&New", Key::New, "Ctrl+N", Gate::Always,
@@ -172,6 +177,17 @@ void MainWindow::buildMenus()
                   nullptr, &MainWindow::onPlayFlybyToggled},
         ActionRow{kPlay, "stopPlayback", "&Stop", Key::UnknownKey, "Esc", Gate::NeedsPlayback,
                   &MainWindow::onStopClicked},
+        ActionRow{kFlyby, "loadScript", "&Load Script...", Key::UnknownKey, "", Gate::NeedsImage,
+                  &MainWindow::loadScript},
+        ActionRow{kFlyby, "saveScript", "&Save Script...", Key::UnknownKey, "", Gate::NeedsImage,
+                  &MainWindow::saveScript},
+        ActionRow{kFlyby, "rescaleScript", "Rescale flyby &coordinates...", Key::UnknownKey, "",
+                  Gate::NeedsImage, &MainWindow::rescaleFlybyScript},
+        ActionRow{kFlyby, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kFlyby, "ongoingWiggle", "Ongoing &Wiggle", Key::UnknownKey, "", Gate::Always,
+                  nullptr, &MainWindow::setOngoingWiggle},
+        ActionRow{kFlyby, "continuousLoop", "Continuous L&oop", Key::UnknownKey, "", Gate::Always,
+                  nullptr, &MainWindow::setContinuousLoop},
         ActionRow{kHelp, "showTabHelp", "Help for This &Tab", Key::HelpContents, "F1", Gate::Always,
                   &MainWindow::showTabHelp},
         ActionRow{kHelp, "showShortcuts", "&Keyboard Shortcuts", Key::UnknownKey, "Ctrl+/",
@@ -184,10 +200,32 @@ void MainWindow::buildMenus()
     addViewActions(menuTitled(kView));
     for (const ActionRow& row : kRows)
         addRow(row);
+    buildFlybyMenu();
     m_recentMenu = new QMenu(tr("Open &Recent"), this);
     m_recentMenu->setObjectName("recentMenu");
     menuTitled(kFile).insertMenu(findChild<QAction*>("openBuiltInScene"), m_recentMenu);
     connect(m_recentMenu, &QMenu::aboutToShow, this, &MainWindow::buildRecentMenu);
+}
+
+void MainWindow::buildFlybyMenu()
+{
+    findChild<QAction*>("ongoingWiggle")->setChecked(appcfg::ongoingFlybyWiggle());
+    findChild<QAction*>("continuousLoop")->setChecked(appcfg::flybyContinuousLoop());
+    auto* examples = new QMenu(tr("&Examples"), this);
+    examples->setObjectName("flybyExamples");
+    m_flyby.buildExamplesMenu(*examples);
+    m_actions.push_back({examples->menuAction(), Gate::NeedsImage});
+    menuTitled("F&lyby").insertMenu(findChild<QAction*>("rescaleScript"), examples);
+}
+
+std::optional<FlybyController::Rescale>
+MainWindow::askRescale(const FlybyController::Rescale& suggested)
+{
+    SccDialog dialog(suggested.from.width(), suggested.from.height(), this);
+    dialog.setNewSize(suggested.to.width(), suggested.to.height());
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return FlybyController::Rescale{{dialog.oldW(), dialog.oldH()}, {dialog.newW(), dialog.newH()}};
 }
 
 void MainWindow::buildControlPanel()

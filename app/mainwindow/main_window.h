@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <QMainWindow>
@@ -11,6 +12,7 @@
 #include "app/mainwindow/depth_map_controller.h"
 #include "app/mainwindow/document_controller.h"
 #include "app/mainwindow/drop_controller.h"
+#include "app/mainwindow/flyby_controller.h"
 #include "app/mainwindow/params_controller.h"
 #include "app/mainwindow/playback_controller.h"
 #include "app/mainwindow/preferences_controller.h"
@@ -100,6 +102,12 @@ public:
     void onOutputModeChanged(int view);
     void onPlayWiggleToggled(bool on) { m_playback.onPlayWiggleToggled(on); }
     void onPlayFlybyToggled(bool on) { m_playback.onPlayFlybyToggled(on); }
+    bool loadFlybyScriptFile(const QString& path) { return m_flyby.loadScriptFile(path); }
+    void rescaleFlybyScript() { m_flyby.rescaleFlybyScript(); }
+    bool maybeRescaleFlybyForSize(int width, int height, bool& rescale)
+    {
+        return m_documents.maybeRescaleFlybyForSize({width, height}, rescale);
+    }
     void onStopClicked() { m_playback.onStopClicked(); }
     int playbackFps() const { return m_playback.playbackFps(); }
     bool refreshPlayback() { return m_playback.refreshPlayback(); }
@@ -174,6 +182,12 @@ private:
     void showPlaybackFrame(QImage frame);
 
     void buildRecentMenu();
+    void buildFlybyMenu();
+    std::optional<FlybyController::Rescale> askRescale(const FlybyController::Rescale& suggested);
+    void loadScript() { m_flyby.loadScript(); }
+    void saveScript() { m_flyby.saveScript(); }
+    void setOngoingWiggle(bool on) { m_flyby.setOngoingWiggle(on); }
+    void setContinuousLoop(bool on) { m_flyby.setContinuousLoop(on); }
     void openImage() { m_documents.openImage(); }
     void openPair() { m_documents.openPair(); }
     void loadDepthMap() { m_depthMaps.loadDepthMap(); }
@@ -210,6 +224,7 @@ private:
     ParamsController m_params;
     ColorPickController m_colorPick;
     PlaybackController m_playback;
+    FlybyController m_flyby;
     DocumentController m_documents{*this};
     DepthMapController m_depthMaps{*this};
     ColorProfileController m_colorProfiles{*this};

@@ -74,6 +74,8 @@ void ParamsController::setPickedColor(int row, const QColor& color)
 void ParamsController::documentReplaced()
 {
     m_history.clear();
+    const zre::Image& picture = m_host.session().source;
+    m_panel->refreshFlybyFrameBoxes(picture.width, picture.height);
     syncUiFromParams();
     m_panel->updateMaxStarsRange(0); // none have been looked for
     m_panel->updateStarControlsEnabled(false, m_host.session().hasPair());

@@ -52,7 +52,7 @@ QStringList recentLabels(const QStringList& entries)
 }
 
 RecentController::RecentController(ShellHost& host, Open openImage, OpenPair openPair,
-                                   Open openDepthMap, Open openColorProfile)
+                                   Open openDepthMap, Open openColorProfile, Open openScript)
     : m_host(host)
     , m_kinds{Kind{RecentCategory::Images, "&Images", false, std::move(openImage)},
               Kind{RecentCategory::Pairs, "Starless + Stars &Pairs", false,
@@ -62,7 +62,8 @@ RecentController::RecentController(ShellHost& host, Open openImage, OpenPair ope
                    }},
               Kind{RecentCategory::DepthMaps, "&Depth Maps", true, std::move(openDepthMap)},
               Kind{RecentCategory::ColorDepth, "&Color Depth Profiles", true,
-                   std::move(openColorProfile)}}
+                   std::move(openColorProfile)},
+              Kind{RecentCategory::Scripts, "&Flyby Scripts", true, std::move(openScript)}}
 {
     recent::migrateOldList();
 }

@@ -28,7 +28,7 @@ public:
 
     /// Files the list of old versions into the categories.
     RecentController(ShellHost& host, Open openImage, OpenPair openPair, Open openDepthMap,
-                     Open openColorProfile);
+                     Open openColorProfile, Open openScript);
 
     /// Fills `menu` anew from the lists.
     void buildRecentMenu(QMenu& menu);
@@ -43,7 +43,7 @@ private:
     void addKind(QMenu& menu, const Kind& kind);
 
     ShellHost& m_host;
-    std::array<Kind, 4> m_kinds;
+    std::array<Kind, 5> m_kinds;
 };
 
 /// What a menu calls each of `entries`, which are paths or pairs: its file name or names, shortened

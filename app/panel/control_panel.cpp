@@ -120,6 +120,13 @@ void ControlPanel::setDepthHistogram(const std::optional<DepthHistogram>& histog
     findChild<DepthHistogramView*>()->setHistogram(histogram);
 }
 
+void ControlPanel::refreshFlybyFrameBoxes(int imageWidth, int imageHeight)
+{
+    m_facts.imageWidth = imageWidth;
+    m_facts.imageHeight = imageHeight;
+    updateGates();
+}
+
 QString ControlPanel::currentTab() const
 {
     return m_tabs->tabText(m_tabs->currentIndex());

@@ -37,6 +37,9 @@ public:
     /// them, `starsLayer` when a loaded layer holds them.
     void updateStarControlsEnabled(bool aiStars, bool starsLayer);
 
+    /// The flyby frame reaches up to the picture's size; 0 by 0 without a picture.
+    void refreshFlybyFrameBoxes(int imageWidth, int imageHeight);
+
     /// The title of the tab in front.
     QString currentTab() const;
     /// Colour rows that are switched on.

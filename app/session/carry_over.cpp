@@ -11,11 +11,17 @@
 static constexpr double kLargestAspectChange = 0.01;
 static constexpr int kSmallestFrameSide = 16;
 
-QStringList carryableItems(const Session& session)
+QStringList losableItems(const Session& session)
 {
     QStringList items;
     if (session.externalDepth.usable())
         items << "the external depth map, resampled";
+    return items;
+}
+
+QStringList carryableItems(const Session& session)
+{
+    QStringList items = losableItems(session);
     if (!session.flybyScript.trimmed().isEmpty())
         items << "the flyby path, rescaled to the new pixel size";
     return items;
@@ -75,6 +81,32 @@ static int rescaledSide(int side, double scale, int largest)
     return std::max(kSmallestFrameSide, static_cast<int>(std::min<double>(rescaled, largest)));
 }
 
+void rescaleFlybyPath(Session& session, QSize oldSize, QSize newSize)
+{
+    if (session.flybyScript.isEmpty() || oldSize.isEmpty() || newSize.isEmpty())
+        return;
+    session.flybyScript = QString::fromStdString(zre::scaleFlybyScriptCoords(
+        session.flybyScript.toStdString(), double(newSize.width()) / oldSize.width(),
+        double(newSize.height()) / oldSize.height()));
+    session.flybyScriptSize = newSize;
+}
+
+bool flybyPathMisfits(const Session& session, QSize image)
+{
+    return !session.flybyScript.trimmed().isEmpty() && !session.flybyScriptSize.isEmpty() &&
+           session.flybyScriptSize != image;
+}
+
+QString flybyRescaleQuestion(const Session& session, QSize image)
+{
+    return QString("The image is now %1 x %2 px, but the flyby path was built for a %3 x %4 px "
+                   "image.\n\nRescale the path (and script) to the new image size?")
+        .arg(image.width())
+        .arg(image.height())
+        .arg(session.flybyScriptSize.width())
+        .arg(session.flybyScriptSize.height());
+}
+
 void rescaleSession(Session& session, QSize oldSize, QSize newSize)
 {
     if (oldSize.isEmpty() || newSize.isEmpty())
@@ -88,11 +120,7 @@ void rescaleSession(Session& session, QSize oldSize, QSize newSize)
         erasure.x *= scaleX;
         erasure.y *= scaleY;
     }
-    if (!session.flybyScript.isEmpty()) {
-        session.flybyScript = QString::fromStdString(
-            zre::scaleFlybyScriptCoords(session.flybyScript.toStdString(), scaleX, scaleY));
-        session.flybyScriptSize = newSize;
-    }
+    rescaleFlybyPath(session, oldSize, newSize);
 
     const zre::Image& map = session.externalDepth;
     if (!map.usable() || QSize(map.width, map.height) == newSize)
@@ -106,6 +134,4 @@ void startFresh(Session& session)
 {
     session.installExternalDepth({}, {});
     session.params.starErasures.clear();
-    session.flybyScript.clear();
-    session.flybyScriptSize = QSize();
 }

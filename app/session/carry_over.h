@@ -22,5 +22,19 @@ QString lossQuestion(QSize oldSize, QSize newSize, const QStringList& items);
 /// not positive.
 void rescaleSession(Session& session, QSize oldSize, QSize newSize);
 
-/// Drops all that lies in the pixels of the image that goes.
+/// Brings the session's flyby path, if it has one, from an image of `oldSize` to `newSize`; nothing
+/// when a size is not positive.
+void rescaleFlybyPath(Session& session, QSize oldSize, QSize newSize);
+
+/// What of `carryableItems` goes when nothing is carried over.
+QStringList losableItems(const Session& session);
+
+/// Whether the flyby path was made for an image of another size than `image`.
+bool flybyPathMisfits(const Session& session, QSize image);
+
+/// The question whether the path follows to an image of `image`.
+QString flybyRescaleQuestion(const Session& session, QSize image);
+
+/// Drops all that lies in the pixels of the image that goes, except the flyby path,
+/// which the user can rescale.
 void startFresh(Session& session);

@@ -133,6 +133,21 @@ static bool grabStars(MainWindow& window, const QString& folder)
     return saved;
 }
 
+/// The window while the parallax motion plays, with its controls on the panel.
+static bool grabPlayback(MainWindow& window, const QString& folder, const QString& name)
+{
+    auto& tabs = *window.findChild<ControlPanel*>()->findChild<QTabWidget*>();
+    const int before = tabs.currentIndex();
+    for (int tab = 0; tab < tabs.count(); ++tab)
+        if (tabs.tabText(tab) == "Stereo")
+            tabs.setCurrentIndex(tab);
+    switchOn(window, "playWiggle", true);
+    const bool saved = grab(window, folder, name);
+    switchOn(window, "playWiggle", false);
+    tabs.setCurrentIndex(before);
+    return saved;
+}
+
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
 /// empty and with IMAGE or the built-in scene in each view, tab and theme.
 int main(int argc, char** argv)
@@ -178,7 +193,9 @@ int main(int argc, char** argv)
     tabs.setCurrentIndex(0);
     saved = grabPreviewTools(window, arguments[1]) && saved;
     saved = grabStars(window, arguments[1]) && saved;
+    saved = grabPlayback(window, arguments[1], "window-playing") && saved;
     theme.setModeTransient(ThemeManager::Mode::Light);
+    saved = grabPlayback(window, arguments[1], "window-playing-light") && saved;
     saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;
 }

@@ -29,7 +29,7 @@ struct RecentMenu : testing::Test
                              [this](const QString& stars, const QString& starless) {
                                  opened << "pair " + stars + " " + starless;
                              },
-                             opener("depth "), opener("profile ")};
+                             opener("depth "), opener("profile "), opener("script ")};
     QMenu menu;
 
     RecentController::Open opener(const QString& kind)

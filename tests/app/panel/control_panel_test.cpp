@@ -39,8 +39,10 @@ const std::map<std::string, std::set<std::string>> kSteps{
               "objectFit",        "objectThickness"}},
     {"0.1",
      {"thresholdSigma", "backgroundScale", "structureScale", "smoothness", "colorDepthSmoothness",
-      "colorDepthGaussian", "paintedSmoothness"}},
-    {"1", {"parallaxAmount", "maxDisparity", "postHue", "maxRadius"}},
+      "colorDepthGaussian", "paintedSmoothness", "wiggleAmplitude"}},
+    {"1",
+     {"parallaxAmount", "maxDisparity", "postHue", "maxRadius", "wiggleFrames", "wiggleFps",
+      "wigglePathAngle"}},
 };
 
 struct Panel : testing::Test

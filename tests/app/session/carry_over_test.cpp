@@ -57,7 +57,9 @@ TEST(CarryOver, AtTwiceTheSizeTheMapDoublesAndTheFrameFollows)
     EXPECT_EQ(session.depthMapPath, "map.png");
     const std::vector<zre::StarErasure> moved{{150.0, 200.0, 3.0, 0.5, 1}};
     EXPECT_EQ(session.params.starErasures, moved);
+    session.flybyScript = "moveto 10 20 5";
     startFresh(session);
+    EXPECT_EQ(session.flybyScript, "moveto 10 20 5") << "the user is asked about it";
     EXPECT_FALSE(session.externalDepth.usable());
     EXPECT_TRUE(session.params.starErasures.empty());
 }

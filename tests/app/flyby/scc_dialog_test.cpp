@@ -1,0 +1,24 @@
+#include "app/flyby/scc_dialog.h"
+
+#include <QPushButton>
+#include <QSpinBox>
+
+#include <gtest/gtest.h>
+
+TEST(SccDialog, GivesTheSizesAsTheyStandInItsBoxes)
+{
+    SccDialog dialog(6000, 4000, nullptr);
+    EXPECT_EQ(dialog.windowTitle(), "Script Coordinates Converter");
+    dialog.setNewSize(3000, 1999);
+    const QList<QSpinBox*> boxes = dialog.findChildren<QSpinBox*>();
+    ASSERT_EQ(boxes.size(), 4);
+    boxes[1]->setValue(3998);
+    EXPECT_EQ(dialog.oldW(), 6000);
+    EXPECT_EQ(dialog.oldH(), 3998);
+    EXPECT_EQ(dialog.newW(), 3000);
+    EXPECT_EQ(dialog.newH(), 1999);
+    for (QPushButton* button : dialog.findChildren<QPushButton*>())
+        if (button->text() == "Convert")
+            button->click();
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
