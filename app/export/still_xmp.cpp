@@ -99,13 +99,15 @@ std::optional<Bytes> withXmpJpeg(const Bytes& file, int width, int height)
         return std::nullopt;
     std::size_t at = 2;
     if (file[2] == 0xFF && file[3] == 0xE0) {
-        if (file.size() < 6)
+        constexpr std::size_t kLengthBytes = 2; // a segment's length counts itself
+        const auto length = file.size() < 6 ? 0 : static_cast<std::size_t>(file[4] * 256 + file[5]);
+        if (length < kLengthBytes)
             return std::nullopt;
-        at = 4 + static_cast<std::size_t>(file[4] * 256 + file[5]);
+        at = 4 + length;
     }
     const std::string data =
         std::string("http://ns.adobe.com/xap/1.0/\0"sv) + stillXmp(width, height);
-    if (at < 2 || at > file.size() || data.size() + 2 > kMostSegment)
+    if (at > file.size() || data.size() + 2 > kMostSegment)
         return std::nullopt;
     Bytes segment;
     append(segment, "\xFF\xE1");

@@ -29,7 +29,7 @@ static std::string_view writtenText(std::string_view line, std::string_view word
 static Cmd assignment(std::string_view code)
 {
     Cmd cmd;
-    cmd.name = "=";
+    cmd.name = '=';
     cmd.isAssign = true;
     const std::size_t cut = code.find('=');
     cmd.varName = trimmed(code.substr(0, cut));

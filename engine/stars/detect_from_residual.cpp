@@ -169,9 +169,10 @@ private:
         for (int c = 0; c < m_keepBack->channels; ++c) {
             const float* plane = m_starless->plane(std::min(c, m_starless->channels - 1));
             float& kept = m_keepBack->plane(c)[pixel];
-            const double sum =
-                static_cast<double>(kept) +
-                wiped * (static_cast<double>(plane[pixel]) - meanAround(plane, pixel));
+            const double texture = static_cast<double>(plane[pixel]) - meanAround(plane, pixel);
+            if (!std::isfinite(texture)) // what an erasure gave back stays
+                continue;
+            const double sum = static_cast<double>(kept) + wiped * texture;
             kept = static_cast<float>(sum > 0.0 ? std::min(sum, 1.0) : 0.0);
         }
     }

@@ -207,7 +207,8 @@ TEST_F(Vr180Files, StillsKeepTheirPixelsAndGainOnePacket)
     const Bytes bare{0xFF, 0xD8, 0xFF, 0xDB, 0, 2};
     EXPECT_EQ(vr180::withXmpJpeg(bare, 1, 1).value()[3], 0xE1);
     for (const Bytes& bad :
-         {Bytes{}, Bytes{0xFF, 0xD8}, Bytes{0xFF, 0xD8, 0xFF, 0xE0, 0xFF, 0xFF, 1}, Bytes(64, 0)}) {
+         {Bytes{}, Bytes{0xFF, 0xD8}, Bytes{0xFF, 0xD8, 0xFF, 0xE0, 0xFF, 0xFF, 1},
+          Bytes{0xFF, 0xD8, 0xFF, 0xE0, 0, 1, 0xFF, 0xDB}, Bytes(64, 0)}) {
         EXPECT_FALSE(vr180::withXmpJpeg(bad, 1, 1));
         EXPECT_FALSE(vr180::withXmpPng(bad, 1, 1));
     }
