@@ -51,18 +51,15 @@ void RenderPipeline::buildStarlessView(zre::Image& out, QString* status)
         out = working();
         removed = starStage.stars().size();
     } else {
+        const zre::StarDetectParams detect = starStage.detectParams(StarRoad::Classical);
         CacheKey key;
         key.text(QStringLiteral("v%1").arg(session.imageGeneration))
-            .number(p.thresholdSigma)
-            .number(p.minPeak)
-            .number(p.maxRadius)
-            .number(p.backgroundScale)
             .number(p.fillBehindStars ? 1 : 0);
+        addDetection(key, detect);
         const Removal& made = removal.get(key.str(), [&](Removal& fresh) {
             stage(StarStage::kDetectionPercent, QStringLiteral("Removing stars..."));
             std::vector<zre::Star> stars;
-            zre::detectStars(session.source, stars, fresh.starless, zre::starDetectParams(p),
-                             nullptr);
+            zre::detectStars(session.source, stars, fresh.starless, detect, nullptr);
             if (p.fillBehindStars)
                 zre::healStarless(session.source, stars, fresh.starless);
             fresh.stars = stars.size();

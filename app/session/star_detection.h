@@ -5,6 +5,7 @@
 #include <QMetaType>
 #include <QString>
 
+#include "app/session/keyed.h"
 #include "engine/params/params.h"
 #include "engine/stars/star_detect_params.h"
 
@@ -19,3 +20,5 @@ Q_DECLARE_METATYPE(zre::StarDetectParams) // it may travel through queued signal
 
 /// The part of a detection's cache key that stands for the erasures.
 QString erasureCacheKey(const std::vector<zre::StarErasure>& erasures);
+/// Adds every field of a detection to a cache key.
+void addDetection(CacheKey& key, const zre::StarDetectParams& detect);

@@ -50,19 +50,6 @@ void makeGrey(zre::Image& image)
     image.colorModel = 0;
 }
 
-void addDetection(CacheKey& key, const zre::StarDetectParams& detect)
-{
-    const auto& [backgroundScale, thresholdSigma, minPeak, maxRadius, companionWipe,
-                 companionSeparation, companionProminence, splitRatio, maxFeather, maxStars,
-                 softEdges, edgeGlow, edgeSoftness] = detect;
-    for (const float value : {backgroundScale, thresholdSigma, minPeak, companionWipe,
-                              companionProminence, splitRatio, edgeGlow, edgeSoftness})
-        key.number(static_cast<double>(value));
-    for (const int value :
-         {maxRadius, companionSeparation, maxFeather, maxStars, softEdges ? 1 : 0})
-        key.number(value);
-}
-
 const char* roadTag(StarRoad road)
 {
     switch (road) {

@@ -41,6 +41,9 @@ public:
     /// Whether sprites take the colours of the source image.
     void setTrueColor(bool on) { trueColor = on; }
 
+    /// How stars are found on a road; what it does not read is left at its default.
+    zre::StarDetectParams detectParams(StarRoad road) const;
+
     /// Brings base and stars up to date, and the session's record of what they are.
     void prepare();
     /// Drops all that it keeps.
@@ -79,7 +82,6 @@ private:
         Own
     };
 
-    zre::StarDetectParams detectParams(StarRoad road) const;
     QString detectionKey(StarRoad road) const;
     QString learnedKey() const;
     bool canLearn() const;

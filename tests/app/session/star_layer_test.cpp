@@ -241,6 +241,34 @@ TEST_P(StarLayer, LayersAreTheBaseAndTheStarsAndTogetherThePicture)
     EXPECT_TRUE(zrtest::imagesNear(again, starless, 0));
 }
 
+/// What is filled behind stars depends on how far their sprites reach.
+TEST(StarlessView, FollowsEveryParameterWhileStarsAreErased)
+{
+    Session session = photograph();
+    session.params.starErasures = {{20.0, 20.0, 5.0, 1.0, 0}};
+    RenderPipeline pipeline(session);
+    std::mt19937 random(5);
+    zre::Image before, after, expected;
+    ASSERT_TRUE(pipeline.buildLayerView(kStarlessView, before, nullptr));
+    int changed = 0;
+    const QStringList names{"thresholdSigma",  "minPeak",       "maxRadius",   "backgroundScale",
+                            "fillBehindStars", "starSoftEdges", "starEdgeGlow"};
+    for (const zrproj::ParamInfo& info : zrproj::parameterList()) {
+        if (!names.contains(info.name))
+            continue;
+        const zre::ZRParams kept = session.params;
+        ASSERT_TRUE(zrproj::setParam(session.params, session.outputMode, info.name,
+                                     otherValue(info, random), nullptr));
+        RenderPipeline fresh(session);
+        ASSERT_TRUE(fresh.buildLayerView(kStarlessView, expected, nullptr));
+        ASSERT_TRUE(pipeline.buildLayerView(kStarlessView, after, nullptr));
+        EXPECT_TRUE(zrtest::imagesNear(after, expected, 0)) << info.name.toStdString();
+        changed += zrtest::imagesNear(after, before, 0) ? 0 : 1;
+        session.params = kept;
+    }
+    EXPECT_EQ(changed, names.size());
+}
+
 TEST(StarCounts, FollowMaxStarsAndNameTheDetector)
 {
     Session session = photograph();
