@@ -8,7 +8,7 @@ namespace zre {
 /// The rows of a warp's output that are still in work when a depth alone tells how far its pixel
 /// moves: then the depth in a cell says which pixel landed there, too.
 ///
-/// Row r + `rows` takes the place of row r, as in `LandingBand`. Each row has one cell beyond the
+/// Row r + `rows` takes the place of row r, as in `SeenBand`. Each row has one cell beyond the
 /// image, for the pixels that leave it; it is also the cell before the next row.
 class DepthBand
 {

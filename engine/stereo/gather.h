@@ -16,22 +16,15 @@ class Gather
 public:
     Gather(const Warp& warp, const Image& src, Image& out, Image* outDepth);
 
-    void fillRow(const LandingBand& band, int y);
+    /// Fills row `y` from column `first` to before `end`, and their depths in `seen`, the row of a
+    /// `SeenBand`.
+    void fillRow(const LandingBand& band, int y, int first, int end, float* seen);
 
 private:
-    /// The pixels that landed on a row of cells, from the first of a chunk on.
-    struct Landed
-    {
-        const std::int32_t* column;
-        const std::int32_t* row;
-        const float* z;
-    };
+    using Cell = LandingBand::Cell;
 
-    void fillChunk(const Landed& landed, int x0, int size, int y);
-    int runLength(const Landed& landed, std::size_t i, std::size_t size) const;
-    void fillRun(const Landed& landed, std::size_t i, int length, std::size_t cell);
-    void fillCell(const Landed& landed, std::size_t i, int x, int y);
-    void fillBorderCell(const Landed& landed, std::size_t i, int x, int y);
+    void fillChunk(const Cell* cells, int x, int size, int y, float* seen);
+    void fillCell(Cell cell, int x, int y);
 
     template <typename T>
     using PerCell = std::array<T, kChunk>;
@@ -42,7 +35,8 @@ private:
     Image* m_outDepth;
     PerCell<double> m_fu; ///< the place between two columns, and two rows, that a cell samples
     PerCell<double> m_fv;
-    PerCell<std::int32_t> m_side; ///< which two they are, as bits
+    PerCell<std::int32_t> m_first; ///< index of the upper left of the four samples
+    PerCell<std::uint8_t> m_edge;  ///< 1 where it is in the last column or row
 };
 
 } // namespace zre

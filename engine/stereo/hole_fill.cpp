@@ -230,6 +230,6 @@ bool HoleFill<Band>::visit(const Band& band, double fx, double fy, Winner& winne
 }
 
 template class HoleFill<DepthBand>;
-template class HoleFill<LandingBand>;
+template class HoleFill<SeenBand>;
 
 } // namespace zre

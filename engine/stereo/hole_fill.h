@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "engine/stereo/depth_band.h"
-#include "engine/stereo/landing_band.h"
+#include "engine/stereo/seen_band.h"
 #include "engine/stereo/warp.h"
 
 namespace zre {
 
 /// Fills the holes of a warp from the farthest pixel met along the motion, on either side; with 0
-/// where none is met. `Band` is a `DepthBand` or a `LandingBand`.
+/// where none is met. `Band` is a `DepthBand` or a `SeenBand`.
 template <typename Band>
 class HoleFill
 {

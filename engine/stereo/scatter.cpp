@@ -1,151 +1,154 @@
 #include "engine/stereo/scatter.h"
 
+#include <algorithm>
+
 #include "engine/image/multiversion.h"
-#include "engine/stereo/lanes.h"
 
 namespace zre {
 
 namespace {
 
-struct RowAim
+using Cell = LandingBand::Cell;
+
+/// Some pixels of a source row and the part of the band that they may land on.
+struct Aim
 {
-    int x; ///< first pixel of the row that is aimed, and how many
+    int x; ///< first pixel, and how many
     int size;
     int y;
     int width;
-    int firstRow; ///< rows that pixels may land on
-    int endRow;
+    int firstRow;
+    int lastRow;
+    int slot; ///< of the first row
+    int slots;
+    int stride;
 };
 
-ZR_MULTIVERSION void aimAtNearest(const Warp& callersWarp, const RowAim& callersAim,
-                                  const float* __restrict depth, float* __restrict finite,
-                                  int* __restrict column, int* __restrict row)
+struct Targets
+{
+    float* __restrict depth;
+    Cell* __restrict pixel;
+    std::int32_t* __restrict nearest;
+    std::int32_t* __restrict upper;
+    std::int32_t* __restrict lower;
+};
+
+/// Aims each pixel at the four cells about its place, or beyond the right end of a row.
+ZR_KERNEL_STEP void aimAll(const Warp& callersWarp, bool clamped, const Aim& callersAim,
+                           const float* __restrict depth, const Targets& targets)
 {
     const Warp warp = callersWarp;
-    const RowAim aim = callersAim;
+    const Aim aim = callersAim;
+    const auto [finite, pixel, nearest, upper, lower] = targets;
     const double right = aim.width;
     const double top = aim.firstRow;
-    const double bottom = aim.endRow;
+    const double bottom = aim.lastRow;
     const double y = aim.y;
+    const std::int32_t source = aim.y * aim.width + aim.x;
+    const int wrap = (aim.slots - 1) * aim.stride;
     for (int i = 0; i < aim.size; ++i) {
         const int x = aim.x + i;
         const float d = finiteDepth(warp, depth[i]);
-        const Displacement moved = displacement(warp, x, y, d);
-        const double cellX = x + moved.x + 0.5;
-        const double cellY = y + moved.y + 0.5;
-        // Not below zero, so that truncation rounds down.
-        const bool inside = (cellX >= 0.0) & (cellX < right) & (cellY >= top) & (cellY < bottom);
+        const Displacement moved = zoomedDisplacement(warp, clamped, x, y, d);
+        const double placeX = x + moved.x;
+        const double placeY = y + moved.y;
+        const bool held = (placeX >= -1.0) & (placeX < right) & (placeY >= top) & (placeY < bottom);
+        const double boundX = held ? placeX : right;
+        const double boundY = held ? placeY : top;
+        const int wholeX = static_cast<int>(boundX);
+        const int wholeY = static_cast<int>(boundY);
+        const int column = wholeX - (boundX < wholeX ? 1 : 0);
+        const int row = wholeY - (boundY < wholeY ? 1 : 0);
+        const int past = aim.slot + (row - aim.firstRow);
+        const int slot = past - (past >= aim.slots ? aim.slots : 0);
+        const int first = slot * aim.stride + column + 1;
+        const int next = slot == aim.slots - 1 ? first - wrap : first + aim.stride;
         finite[i] = d;
-        column[i] = static_cast<int>(inside ? cellX : right);
-        row[i] = static_cast<int>(inside ? cellY : y);
+        pixel[i] = LandingBand::pack(source + i, d);
+        upper[i] = first;
+        lower[i] = next;
+        nearest[i] =
+            (boundY + 0.5 >= row + 1.0 ? next : first) + (boundX + 0.5 >= column + 1.0 ? 1 : 0);
     }
 }
 
-inline int floorWithin(double value, double low, double high)
+ZR_MULTIVERSION_512 void aimFree(const Warp& warp, const Aim& aim, const float* depth,
+                                 const Targets& targets)
 {
-    const double raised = value > low ? value : low;
-    const double bound = raised < high ? raised : high;
-    const int whole = static_cast<int>(bound);
-    return whole - (bound < whole ? 1 : 0);
+    aimAll(warp, false, aim, depth, targets);
 }
 
-ZR_MULTIVERSION void aimAtCorner(const Warp& callersWarp, const RowAim& aim,
-                                 const float* __restrict finite, int* __restrict column,
-                                 int* __restrict row)
+ZR_MULTIVERSION_512 void aimClamped(const Warp& warp, const Aim& aim, const float* depth,
+                                    const Targets& targets)
 {
-    const Warp warp = callersWarp;
-    const double right = aim.width;
-    const double top = aim.firstRow - 2;
-    const double bottom = aim.endRow;
-    const double y = aim.y;
-    for (int i = 0; i < aim.size; ++i) {
-        const int x = aim.x + i;
-        const Displacement moved = displacement(warp, x, y, finite[i]);
-        column[i] = floorWithin(x + moved.x, -2.0, right);
-        row[i] = floorWithin(y + moved.y, top, bottom);
-    }
+    aimAll(warp, true, aim, depth, targets);
 }
 
 } // namespace
 
-Scatter::Scatter(const Warp& warp, int width, int height, int reach, bool splat)
+Scatter::Scatter(const Warp& warp, int width, bool splat, const DepthRange& depths)
     : m_warp(warp)
     , m_width(width)
-    , m_height(height)
-    , m_reach(reach)
     , m_splat(splat)
+    , m_far(depths.low <= static_cast<double>(LandingBand::depth(LandingBand::kEmpty)))
 {
 }
 
-void Scatter::landRow(const float* depth, int y, LandingBand& band)
+void Scatter::landRow(const float* depth, int y, const RowSpan& span, LandingBand& band)
 {
-    const int firstRow = std::max(0, y - m_reach);
-    const int endRow = std::min(m_height, y + m_reach + 1);
+    const Targets targets{m_depth.data(), m_pixel.data(), m_nearest.data(), m_upper.data(),
+                          m_lower.data()};
     for (int x = 0; x < m_width; x += kChunk) {
-        const RowAim aim{x, std::min(kChunk, m_width - x), y, m_width, firstRow, endRow};
-        aimAtNearest(m_warp, aim, depth + x, m_depth.data(), m_column.data(), m_row.data());
-        const Chunk chunk{x, aim.size, y, firstRow, endRow};
-        if (m_splat) {
-            aimAtCorner(m_warp, aim, m_depth.data(), m_cornerColumn.data(), m_cornerRow.data());
-            spread(chunk, band);
-        } else {
-            landWhole(chunk, band);
-        }
+        const Aim aim{
+            x,         std::min(kChunk, m_width - x), y,           m_width,      span.first,
+            span.last, band.slot(span.first),         band.rows(), band.stride()};
+        (m_warp.maxDisparity > 0.0 ? aimClamped : aimFree)(m_warp, aim, depth + x, targets);
+        const auto size = static_cast<std::size_t>(aim.size);
+        if (!m_splat)
+            land(size, band.cells());
+        else if (m_far)
+            spreadFar(size, band.cells());
+        else
+            spread(size, band.cells());
     }
 }
 
-inline void Scatter::landPixel(std::size_t i, int x, int y, const LandingBand& band,
-                               const LandingBand::Planes& planes) const
+/// The nearest pixel wins, the one that came first when equal. Here and below without a branch,
+/// which noise would have mispredicted.
+void Scatter::land(std::size_t size, Cell* cells) const
 {
-    const std::size_t cell = band.cell(m_column[i], m_row[i]);
-    const std::int32_t lands = landOne(m_depth[i], planes.z[cell]);
-    storeWhere(lands, x, planes.column[cell]);
-    storeWhere(lands, y, planes.row[cell]);
-}
-
-void Scatter::landWhole(const Chunk& chunk, LandingBand& band) const
-{
-    const LandingBand::Planes planes = band.planes();
-    const auto size = static_cast<std::size_t>(chunk.size);
-    std::size_t i = 0;
-    for (; i + kBlock <= size; i += kBlock) {
-        const int x = chunk.x + static_cast<int>(i);
-        if (straight(m_column.data() + i) && level(m_row.data() + i)) {
-            const std::size_t first = band.cell(m_column[i], m_row[i]);
-            for (int k = 0; k < kBlock; k += 4) {
-                const std::size_t cell = first + static_cast<std::size_t>(k);
-                const Ints lands = landFour(m_depth.data() + i + k, planes.z + cell);
-                storeWhere(lands, Ints{0, 1, 2, 3} + (x + k), planes.column + cell);
-                storeWhere(lands, Ints{} + chunk.y, planes.row + cell);
-            }
-        } else {
-            for (int k = 0; k < kBlock; ++k)
-                landPixel(i + static_cast<std::size_t>(k), x + k, chunk.y, band, planes);
-        }
+    for (std::size_t i = 0; i < size; ++i) {
+        Cell& nearest = cells[m_nearest[i]];
+        nearest = m_depth[i] > LandingBand::depth(nearest) ? m_pixel[i] : nearest;
     }
-    for (; i < size; ++i)
-        landPixel(i, chunk.x + static_cast<int>(i), chunk.y, band, planes);
 }
 
-/// The nearest of the four cells by depth, the other three only while they are empty.
-void Scatter::spread(const Chunk& chunk, LandingBand& band) const
+/// The nearest of the four cells by depth, the other three only while they are empty; after the
+/// first step the nearest is not, unless the pixel is as far as nothing.
+void Scatter::spread(std::size_t size, Cell* cells) const
 {
-    const LandingBand::Planes planes = band.planes();
-    for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.size); ++i) {
-        const int x = chunk.x + static_cast<int>(i);
-        landPixel(i, x, chunk.y, band, planes);
-        const int lastRow = std::min(m_cornerRow[i] + 1, chunk.endRow - 1);
-        const int lastColumn = std::min(m_cornerColumn[i] + 1, m_width - 1);
-        for (int row = std::max(m_cornerRow[i], chunk.firstRow); row <= lastRow; ++row)
-            for (int column = std::max(m_cornerColumn[i], 0); column <= lastColumn; ++column) {
-                const std::size_t cell = band.cell(column, row);
-                if (planes.column[cell] != LandingBand::kHole ||
-                    (column == m_column[i] && row == m_row[i]))
-                    continue;
-                planes.column[cell] = x;
-                planes.row[cell] = chunk.y;
-                planes.z[cell] = m_depth[i];
-            }
+    for (std::size_t i = 0; i < size; ++i) {
+        const Cell pixel = m_pixel[i];
+        Cell& nearest = cells[m_nearest[i]];
+        nearest = m_depth[i] > LandingBand::depth(nearest) ? pixel : nearest;
+        Cell* const upper = cells + m_upper[i];
+        Cell* const lower = cells + m_lower[i];
+        upper[0] = LandingBand::isEmpty(upper[0]) ? pixel : upper[0];
+        upper[1] = LandingBand::isEmpty(upper[1]) ? pixel : upper[1];
+        lower[0] = LandingBand::isEmpty(lower[0]) ? pixel : lower[0];
+        lower[1] = LandingBand::isEmpty(lower[1]) ? pixel : lower[1];
+    }
+}
+
+/// The same for pixels that do not land on an empty cell by depth, and yet spread to the others.
+void Scatter::spreadFar(std::size_t size, Cell* cells) const
+{
+    for (std::size_t i = 0; i < size; ++i) {
+        if (m_depth[i] > LandingBand::depth(cells[m_nearest[i]]))
+            cells[m_nearest[i]] = m_pixel[i];
+        for (const std::int32_t cell : {m_upper[i], m_upper[i] + 1, m_lower[i], m_lower[i] + 1})
+            if (cell != m_nearest[i] && LandingBand::isEmpty(cells[cell]))
+                cells[cell] = m_pixel[i];
     }
 }
 

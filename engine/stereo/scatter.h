@@ -3,6 +3,7 @@
 #include <array>
 
 #include "engine/stereo/landing_band.h"
+#include "engine/stereo/landing_rows.h"
 #include "engine/stereo/lanes.h"
 #include "engine/stereo/warp.h"
 
@@ -12,40 +13,28 @@ namespace zre {
 class Scatter
 {
 public:
-    /// `reach` rows on either side of a source row take its pixels; all of them are in `band`.
-    Scatter(const Warp& warp, int width, int height, int reach, bool splat);
+    Scatter(const Warp& warp, int width, bool splat, const DepthRange& depths);
 
-    void landRow(const float* depth, int y, LandingBand& band);
+    /// Lands source row `y`; all rows of `span`, which are those it may reach, are in `band`.
+    void landRow(const float* depth, int y, const RowSpan& span, LandingBand& band);
 
 private:
-    /// Some pixels of a source row, and the rows that they may land on.
-    struct Chunk
-    {
-        int x;
-        int size;
-        int y;
-        int firstRow;
-        int endRow;
-    };
-
-    void landPixel(std::size_t i, int x, int y, const LandingBand& band,
-                   const LandingBand::Planes& planes) const;
-    void landWhole(const Chunk& chunk, LandingBand& band) const;
-    void spread(const Chunk& chunk, LandingBand& band) const;
+    void land(std::size_t size, LandingBand::Cell* cells) const;
+    void spread(std::size_t size, LandingBand::Cell* cells) const;
+    void spreadFar(std::size_t size, LandingBand::Cell* cells) const;
 
     template <typename T>
     using PerPixel = std::array<T, kChunk>;
 
     Warp m_warp;
     int m_width;
-    int m_height;
-    int m_reach;
     bool m_splat;
-    PerPixel<float> m_depth; ///< finite depths of the chunk
-    PerPixel<int> m_column;  ///< nearest cell of each pixel; column `width` is outside
-    PerPixel<int> m_row;
-    PerPixel<int> m_cornerColumn; ///< upper left of the four cells a splat covers
-    PerPixel<int> m_cornerRow;
+    bool m_far; ///< some pixels are as far away as an empty cell
+    PerPixel<float> m_depth;
+    PerPixel<LandingBand::Cell> m_pixel; ///< what the cell becomes that a pixel takes
+    PerPixel<std::int32_t> m_nearest;    ///< cell of the band that each pixel is nearest to
+    PerPixel<std::int32_t> m_upper;      ///< first of the two cells above it, and below it
+    PerPixel<std::int32_t> m_lower;
 };
 
 } // namespace zre

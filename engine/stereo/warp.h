@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cmath>
+#include <limits>
 
 #include "engine/image/image.h"
+#include "engine/image/multiversion.h"
 
 namespace zre {
 
@@ -74,6 +76,24 @@ inline Displacement displacement(const Warp& warp, double x, double y, double de
         }
     }
     return moved;
+}
+
+/// `displacement` for a loop without a branch, in which it is known whether the clamp applies; a
+/// zoom of zero adds nothing.
+ZR_KERNEL_STEP Displacement zoomedDisplacement(const Warp& warp, bool clamped, double x, double y,
+                                               double depth)
+{
+    const double nearness = depth - warp.convergence;
+    const double growth = zoomGrowth(warp, depth);
+    Displacement moved{warp.offsetX * 0.5 * warp.parallax * nearness + (x - warp.centerX) * growth,
+                       warp.offsetY * 0.5 * warp.parallax * nearness + (y - warp.centerY) * growth};
+    if (!clamped)
+        return moved;
+    const double limit =
+        warp.maxDisparity > 0.0 ? warp.maxDisparity * 0.5 : std::numeric_limits<double>::infinity();
+    const double length = std::sqrt(moved.x * moved.x + moved.y * moved.y);
+    const double shortening = length > limit ? limit / length : 1.0;
+    return {moved.x * shortening, moved.y * shortening};
 }
 
 /// A depth that is no finite number stands in the convergence plane, so that its pixel stays.
