@@ -48,12 +48,28 @@ struct Cells
     int height;
 };
 
+/// What landed on some cells.
+struct Landed
+{
+    std::int32_t source[kChunk];
+    float z[kChunk];
+};
+
+/// Apart from the rest, because the compiler makes no vectors of a word taken to pieces.
+ZR_KERNEL_STEP void unpack(const Cell* cells, int size, Landed& landed)
+{
+    for (int i = 0; i < size; ++i) {
+        landed.source[i] = LandingBand::source(cells[i]);
+        landed.z[i] = LandingBand::depth(cells[i]);
+    }
+}
+
 struct Places
 {
     double* __restrict fu;
     double* __restrict fv;
     std::int32_t* __restrict first;
-    std::uint8_t* __restrict edge;
+    std::int32_t* __restrict edge;
     float* __restrict seen;
 };
 
@@ -65,19 +81,20 @@ ZR_KERNEL_STEP std::int32_t rowOf(std::int32_t source, double perWidth)
 
 /// An empty cell gets any place in the image.
 ZR_KERNEL_STEP void placeAll(const Warp& callersWarp, bool clamped, const Cells& callersCells,
-                             const Cell* __restrict landed, const Places& places)
+                             const Cell* callersLanded, const Places& places)
 {
     const Warp warp = callersWarp;
     const Cells cells = callersCells;
     const auto [fu, fv, first, edge, seen] = places;
+    Landed landed;
+    unpack(callersLanded, cells.size, landed);
     const double perWidth = 1.0 / cells.width;
     const double y = cells.y;
     const double right = cells.width - 1;
     const double bottom = cells.height - 1;
     for (int i = 0; i < cells.size; ++i) {
-        const Cell cell = landed[i];
-        const std::int32_t source = LandingBand::source(cell);
-        const float z = LandingBand::depth(cell);
+        const std::int32_t source = landed.source[i];
+        const float z = landed.z[i];
         const std::int32_t sy = rowOf(source, perWidth);
         const std::int32_t sx = source - sy * cells.width;
         const SourcePoint at = sourcePoint(warp, clamped, cells.x + i, y, sx, sy, z, right, bottom);
@@ -89,7 +106,7 @@ ZR_KERNEL_STEP void placeAll(const Warp& callersWarp, bool clamped, const Cells&
         fv[i] = at.v - row;
         first[i] = (row < lastRow ? row : lastRow) * cells.width +
                    (column < lastColumn ? column : lastColumn);
-        edge[i] = (column > lastColumn) | (row > lastRow) ? 1 : 0;
+        edge[i] = (lastColumn - column) | (lastRow - row);
         seen[i] = source < 0 ? SeenBand::kHole : z;
     }
 }
@@ -159,6 +176,14 @@ ZR_MULTIVERSION void copyDepths(const float* __restrict seen, int size, float* _
         depth[i] = seen[i] == SeenBand::kHole ? -1.0f : seen[i];
 }
 
+ZR_MULTIVERSION bool anyNegative(const std::int32_t* values, int size)
+{
+    std::int32_t all = 0;
+    for (int i = 0; i < size; ++i)
+        all |= values[i];
+    return all < 0;
+}
+
 std::size_t indexOf(const Image& img, int x, int y)
 {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(img.width) +
@@ -190,16 +215,15 @@ void Gather::fillChunk(const Cell* cells, int x, int size, int y, float* seen)
         {m_fu.data(), m_fv.data(), m_first.data(), m_edge.data(), seen});
     const bool narrow = m_src.width < 2 || m_src.height < 2;
     if (!narrow) {
-        const auto end = static_cast<std::size_t>(size);
         std::fill(m_first.begin() + size, m_first.begin() + (size + 3) / 4 * 4, 0);
         for (int c = 0; c < m_src.channels; ++c)
             sampleCells(m_src.plane(c), m_src.width, m_first.data(), size, m_fu.data(), m_fv.data(),
                         m_out.plane(c) + indexOf(m_out, x, y));
-        if (std::memchr(m_edge.data(), 1, end) == nullptr)
+        if (!anyNegative(m_edge.data(), size))
             return;
     }
     for (int i = 0; i < size; ++i)
-        if ((narrow || m_edge[static_cast<std::size_t>(i)]) && !LandingBand::isEmpty(cells[i]))
+        if ((narrow || m_edge[static_cast<std::size_t>(i)] < 0) && !LandingBand::isEmpty(cells[i]))
             fillCell(cells[i], x + i, y);
 }
 

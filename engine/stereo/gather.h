@@ -36,7 +36,7 @@ private:
     PerCell<double> m_fu; ///< the place between two columns, and two rows, that a cell samples
     PerCell<double> m_fv;
     PerCell<std::int32_t> m_first; ///< index of the upper left of the four samples
-    PerCell<std::uint8_t> m_edge;  ///< 1 where it is in the last column or row
+    PerCell<std::int32_t> m_edge;  ///< negative where there are not four
 };
 
 } // namespace zre
