@@ -216,15 +216,29 @@ void Gather::fillChunk(const Cell* cells, int x, int size, int y, float* seen)
     const bool narrow = m_src.width < 2 || m_src.height < 2;
     if (!narrow) {
         std::fill(m_first.begin() + size, m_first.begin() + (size + 3) / 4 * 4, 0);
-        for (int c = 0; c < m_src.channels; ++c)
+        prefetch(0, size);
+        for (int c = 0; c < m_src.channels; ++c) {
+            prefetch(c + 1, size);
             sampleCells(m_src.plane(c), m_src.width, m_first.data(), size, m_fu.data(), m_fv.data(),
                         m_out.plane(c) + indexOf(m_out, x, y));
+        }
         if (!anyNegative(m_edge.data(), size))
             return;
     }
     for (int i = 0; i < size; ++i)
         if ((narrow || m_edge[static_cast<std::size_t>(i)] < 0) && !LandingBand::isEmpty(cells[i]))
             fillCell(cells[i], x + i, y);
+}
+
+/// Asks for the lower samples of the cells in a plane, mostly those of a row not yet read.
+void Gather::prefetch(int channel, int size) const
+{
+    constexpr int kSamplesInLine = 16;
+    if (channel >= m_src.channels)
+        return;
+    const float* const lower = m_src.plane(channel) + m_src.width;
+    for (int i = 0; i < size; i += kSamplesInLine)
+        __builtin_prefetch(lower + m_first[static_cast<std::size_t>(i)]);
 }
 
 /// Fills a cell wherever it samples; the last column and row repeat.

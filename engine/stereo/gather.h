@@ -24,6 +24,7 @@ private:
     using Cell = LandingBand::Cell;
 
     void fillChunk(const Cell* cells, int x, int size, int y, float* seen);
+    void prefetch(int channel, int size) const;
     void fillCell(Cell cell, int x, int y);
 
     template <typename T>

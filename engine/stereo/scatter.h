@@ -23,8 +23,10 @@ private:
     void spread(std::size_t size, LandingBand::Cell* cells) const;
     void spreadFar(std::size_t size, LandingBand::Cell* cells) const;
 
+    static constexpr int kAhead = 32; ///< pixels by which a row is asked for before it is needed
+
     template <typename T>
-    using PerPixel = std::array<T, kChunk>;
+    using PerPixel = std::array<T, kChunk + kAhead>;
 
     Warp m_warp;
     int m_width;
@@ -34,7 +36,7 @@ private:
     PerPixel<LandingBand::Cell> m_pixel; ///< what the cell becomes that a pixel takes
     PerPixel<std::int32_t> m_nearest;    ///< cell of the band that each pixel is nearest to
     PerPixel<std::int32_t> m_upper;      ///< first of the two cells above it, and below it
-    PerPixel<std::int32_t> m_lower;
+    PerPixel<std::int32_t> m_lower{};
 };
 
 } // namespace zre

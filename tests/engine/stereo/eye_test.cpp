@@ -122,6 +122,15 @@ const Eye k2DEyes[] = {
     // Every other step of the search ends a rounding away from between two cells.
     {.parallax = 30, .offsetX = 1, .offsetY = std::sqrt(3.0)},
     {.convergence = 0, .offsetX = 0, .offsetY = 0, .zoom = 1e12, .splat = true},
+    // About a centre beyond the image, with and without the clamp.
+    {.convergence = 0.2, .zoom = 0.3, .centerX = 500, .centerY = 900, .splat = true},
+    {.convergence = 0.2,
+     .maxDisparity = 12,
+     .zoom = -0.3,
+     .centerX = 500,
+     .centerY = 1,
+     .splat = true},
+    {.convergence = 0.6, .offsetX = 0.3, .offsetY = 0.1, .zoom = 0.15, .splat = true},
 };
 
 TEST(Eye2D, EqualsThePlainFormBitForBit)

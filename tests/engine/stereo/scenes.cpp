@@ -38,6 +38,9 @@ std::vector<DepthScene> depthScenes(int width, int height)
     scenes.push_back({"hills", hillyDepth(width, height, 0.01, 31)});
     scenes.push_back({"wild", mapped(noise(width, height, 0, 37),
                                      [](float v) { return v < 0.1f ? v * 1e6f : v * 9 - 4; })});
+    // Beyond the depth that stands for an empty cell.
+    scenes.push_back({"abyss", mapped(noise(width, height, 0, 41),
+                                      [](float v) { return v < 0.3f ? -1e31f * v - 1e30f : v; })});
     return scenes;
 }
 
