@@ -10,6 +10,7 @@
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/persist/appcfg.h"
+#include "app/session/layer_names.h"
 #include "app/session/output_view.h"
 #include "app/session/session.h"
 
@@ -26,7 +27,8 @@ static const OutputView& currentView(const Session& session)
 
 QString suggestedStillName(const Session& session)
 {
-    const QString base = QFileInfo(session.sourcePath).completeBaseName();
+    const QString base = session.hasPair() ? layerBaseOf(session.starlessPath)
+                                           : QFileInfo(session.sourcePath).completeBaseName();
     return QString("%1_%2.xisf")
         .arg(base.isEmpty() ? QString("zerrith") : base, currentView(session).key);
 }

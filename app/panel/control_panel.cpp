@@ -45,8 +45,16 @@ ControlPanel::ControlPanel(QWidget* parent)
             &ControlPanel::chooseColorRequested);
     alignColumns();
     syncUiFromParams({});
-    m_tabs->setCurrentIndex(appcfg::lastTab());
-    connect(m_tabs, &QTabWidget::currentChanged, this, &appcfg::setLastTab);
+    selectTab(appcfg::lastTab());
+    connect(m_tabs, &QTabWidget::currentChanged, this,
+            [this] { appcfg::setLastTab(currentTab()); });
+}
+
+void ControlPanel::selectTab(const QString& title)
+{
+    for (PanelTab* tab : m_pages)
+        if (tab->title() == title)
+            m_tabs->setCurrentWidget(tab);
 }
 
 void ControlPanel::addTab(PanelTab* tab)
@@ -139,6 +147,8 @@ int ControlPanel::activeColorRows() const
 
 void ControlPanel::setImageGatedSectionsEnabled(bool enabled)
 {
+    m_facts.imageOpen = enabled;
+    updateGates();
     for (const PanelTab* tab : m_pages)
         for (SectionBox* section : tab->sections())
             section->setImageOpen(enabled);

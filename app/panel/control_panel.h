@@ -76,6 +76,8 @@ signals:
 
 private:
     void addTab(PanelTab* tab);
+    /// Leaves the first in front for a title that no tab has.
+    void selectTab(const QString& title);
     void alignColumns();
     void onEdited(const QString& label, bool continues);
     void updateGates();

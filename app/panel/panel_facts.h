@@ -3,6 +3,7 @@
 /// What the controls act on besides the parameters.
 struct PanelFacts
 {
+    bool imageOpen = false;
     int starsFound = 0;
     bool aiStars = false;    ///< the learned model separated them
     bool starsLayer = false; ///< they come from a loaded stars layer

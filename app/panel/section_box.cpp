@@ -70,6 +70,8 @@ QWidget* SectionBox::buildHeader()
     auto* layout = new QHBoxLayout(header);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
+    m_reset = new QToolButton(header);
+    m_reset->hide(); // until there is something to reset
     m_fold = new QToolButton(header);
     m_fold->setAutoRaise(true);
     m_fold->setArrowType(Qt::DownArrow);
@@ -91,15 +93,14 @@ QWidget* SectionBox::buildHeader()
         layout->addWidget(title);
     }
     layout->addStretch();
-    auto* back = new QToolButton(header);
-    back->setText("Reset section");
-    back->setAutoRaise(true);
-    back->setFocusPolicy(Qt::StrongFocus);
-    back->setObjectName(QString("reset.") + m_row.title);
-    back->setAccessibleName(QString("Reset section %1").arg(m_row.title));
-    back->setToolTip("Restore the defaults of this section. Undo brings them back.");
-    connect(back, &QToolButton::clicked, this, &SectionBox::reset);
-    layout->addWidget(back);
+    m_reset->setText("Reset section");
+    m_reset->setAutoRaise(true);
+    m_reset->setFocusPolicy(Qt::StrongFocus);
+    m_reset->setObjectName(QString("reset.") + m_row.title);
+    m_reset->setAccessibleName(QString("Reset section %1").arg(m_row.title));
+    m_reset->setToolTip("Restore the defaults of this section. Undo brings them back.");
+    connect(m_reset, &QToolButton::clicked, this, &SectionBox::reset);
+    layout->addWidget(m_reset);
     return header;
 }
 
@@ -132,6 +133,7 @@ void SectionBox::setLabelWidth(int width)
 void SectionBox::addBinding(RowBinding* binding)
 {
     m_bindings.push_back(binding);
+    m_reset->show();
     connect(binding, &RowBinding::edited, this, [this](const QString& label, bool continues) {
         emit edited(QString(m_row.title) + ": " + label, continues);
     });

@@ -58,5 +58,6 @@ private:
     QGridLayout* m_grid;
     QToolButton* m_fold;
     QCheckBox* m_switch = nullptr;
+    QToolButton* m_reset;
     std::vector<RowBinding*> m_bindings; ///< owned by the box
 };

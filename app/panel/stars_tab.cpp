@@ -121,7 +121,9 @@ public:
     void store(P&) const override {}
     void follow(const P& params, const PanelFacts& facts) override
     {
-        if (!params.starSeparationEnabled)
+        if (!facts.imageOpen)
+            m_label->setText("No image is open.");
+        else if (!params.starSeparationEnabled)
             m_label->setText("Stars stay part of the picture.");
         else if (facts.starsFound == 1)
             m_label->setText("1 star found");

@@ -329,14 +329,14 @@ void setStarTableGeometry(const QByteArray& geometry)
     write(kSettings.starTableGeometry, geometry);
 }
 
-int lastTab()
+QString lastTab()
 {
     return read(kSettings.lastTab);
 }
 
-void setLastTab(int index)
+void setLastTab(const QString& title)
 {
-    write(kSettings.lastTab, index);
+    write(kSettings.lastTab, title);
 }
 
 QString updateInstallId()

@@ -103,8 +103,9 @@ void setWindowGeometry(const QByteArray& geometry);
 /// Of the star table.
 QByteArray starTableGeometry();
 void setStarTableGeometry(const QByteArray& geometry);
-int lastTab();
-void setLastTab(int index);
+/// Title of the tab in front: an index would shift with each new tab.
+QString lastTab();
+void setLastTab(const QString& title);
 
 /// What was chosen last for a video.
 struct ExportChoices

@@ -134,7 +134,7 @@ struct Settings
     Setting<QByteArray> splitterState = bytes("ui/splitterState");
     Setting<QByteArray> windowGeometry = bytes("ui/windowGeometry");
     Setting<QByteArray> starTableGeometry = bytes("ui/starTableGeometry");
-    Setting<int> lastTab = whole("ui/lastTab", 0, 0, 15);
+    Setting<QString> lastTab = text("ui/lastTab");
 
     Setting<int> exportFormat = whole("export/format", 0, 0, 1);
     Setting<int> exportStereo3d = whole("export/stereo3d", 0, 0, 4);

@@ -85,6 +85,23 @@ QString layerRootOf(const QString& path)
     return parse(path).root;
 }
 
+QString layerBaseOf(const QString& path)
+{
+    const QString base = QFileInfo(path).completeBaseName();
+    const QString root = layerRootOf(path);
+    if (layerRoleOf(path) == LayerRole::Whole || root.isEmpty())
+        return base;
+    const auto isRoot = [&root](const QString& part) {
+        return part.front().isLetterOrNumber() && part.back().isLetterOrNumber() &&
+               wordsOf(part + ".x").simplified() == root;
+    };
+    for (qsizetype length = 1; length < base.size(); ++length)
+        for (const QString& part : {base.left(length), base.right(length)})
+            if (isRoot(part))
+                return part;
+    return base;
+}
+
 std::optional<LayerPair> layerPairOf(const QString& one, const QString& other)
 {
     const Parsed first = parse(one);

@@ -19,6 +19,11 @@ LayerRole layerRoleOf(const QString& path);
 /// of one picture, whatever their case and separators.
 QString layerRootOf(const QString& path);
 
+/// The name without its suffix and without the words that tell the role before or after the rest,
+/// in its own case and separators: "M42_v2" for "M42_v2-starless.xisf". With such words amid the
+/// rest, the whole name without its suffix.
+QString layerBaseOf(const QString& path);
+
 /// Two layers of one picture.
 struct LayerPair
 {

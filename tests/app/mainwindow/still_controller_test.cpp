@@ -59,6 +59,10 @@ TEST_F(Stills, TheSuggestedFileStandsBesideTheSourceAndNamesTheView)
     EXPECT_TRUE(host.script.asked.back().startsWith("Export anaglyph|" +
                                                     scratch("m 31.x_anaglyph.xisf") + "|"))
         << qPrintable(host.script.asked.back());
+    host.document.starsPath = scratch("M42-stars.png");
+    host.document.starlessPath = scratch("M42-starless.png");
+    host.document.starsLayer = host.document.starless = host.document.source;
+    EXPECT_EQ(suggestedStillName(host.document), "M42_anaglyph.xisf");
     EXPECT_TRUE(host.statuses.isEmpty()); // cancelled: nothing was rendered
 }
 

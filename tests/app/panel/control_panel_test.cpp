@@ -375,3 +375,21 @@ TEST_F(Panel, TheTintIsTheUsersAndNoParameter)
     EXPECT_TRUE(edits.isEmpty());
     EXPECT_TRUE(params() == before);
 }
+
+TEST_F(Panel, OnlyASectionWithControlsOffersToResetThem)
+{
+    EXPECT_TRUE(get<QAbstractButton>("reset.Depth and disparity").isHidden());
+    for (const char* section : {"reset.Star separation", "reset.Stereo depth", "reset.Anaglyph"})
+        EXPECT_FALSE(get<QAbstractButton>(section).isHidden()) << section;
+}
+
+// Settings of another version may hold a number, or a tab that this one has not.
+TEST_F(Panel, TheTabInFrontIsKeptByItsTitle)
+{
+    panel.findChild<QTabWidget*>()->setCurrentIndex(3);
+    EXPECT_EQ(ControlPanel().currentTab(), panel.currentTab());
+    for (const QString kept : {"3", "Flight", ""}) {
+        appcfg::setLastTab(kept);
+        EXPECT_EQ(ControlPanel().currentTab(), "Stars");
+    }
+}

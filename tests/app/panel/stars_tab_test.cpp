@@ -106,6 +106,8 @@ TEST_F(StarControls, MaxStarsReachesFromOneToAllThatWereFound)
     auto& slider = get<QSlider>("starMaxRendered");
     auto& box = get<QLineEdit>("starMaxRendered.box");
     EXPECT_EQ(box.text(), "All");
+    EXPECT_EQ(get<QLabel>("starCount").text(), "No image is open.");
+    panel.setImageGatedSectionsEnabled(true);
     panel.updateMaxStarsRange(12345);
     EXPECT_EQ(slider.minimum(), 0);
     slider.setValue(1);

@@ -66,3 +66,18 @@ TEST(LayerNames, ThePartnerLiesInTheSameFolderAndIsTheOnlyOne)
     zrtest::writeBytes(zrtest::scratchFolder() / "orion_starmask.png", {0});
     EXPECT_EQ(layerPartnerOf(scratch("orion_starless.png")), "");
 }
+
+TEST(LayerNames, ThePictureOfAPairKeepsItsNameAsItWasWritten)
+{
+    const char* const cases[][2]{
+        {"/a/M42_starless.xisf", "M42"},
+        {"M42_v2.1-Starless.tif", "M42_v2.1"},
+        {"starless NGC 7000.png", "NGC 7000"},
+        {"caveNoStars.fits", "cave"},
+        {"M31_starless_v2.png", "M31_starless_v2"},
+        {"M31.png", "M31"},
+        {"starless.png", "starless"},
+    };
+    for (const auto& [path, base] : cases)
+        EXPECT_EQ(layerBaseOf(path), base);
+}
