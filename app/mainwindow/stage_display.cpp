@@ -25,7 +25,7 @@ protected:
     {
         QPainter painter(this);
         painter.drawText(contentsRect(), Qt::AlignVCenter | Qt::AlignLeft,
-                         fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
+                         fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width()));
     }
 };
 

@@ -97,7 +97,7 @@ inline constexpr std::array kParamOrder{
     ParamKey{"starMaxRendered", &zre::ZRParams::starMaxRendered, "greatest number of stars drawn (0 all)", ParamLimits{0.0, 10000000.0}},
     ParamKey{"starPlane", &zre::ZRParams::starPlane, "depth of the plane of the stars (0 far, 1 near)"},
     ParamKey{"starFloatation", &zre::ZRParams::starFloatation, "how strongly stars are drawn to their plane"},
-    ParamKey{"starOcclusion", &zre::ZRParams::starOcclusion, "how far in front matter has to lie to hide a star (0 never hides)"},
+    ParamKey{"starOcclusion", &zre::ZRParams::starOcclusion, "depth below which matter in front hides stars (0 never hides)"},
     ParamKey{"starDepthModel", &zre::ZRParams::starDepthModel, "star depths: 0 flat, 1 by brightness, 2 scattered, 3 real distances"},
     ParamKey{"starDepthRange", &zre::ZRParams::starDepthRange, "spread of the star depths around their plane"},
     ParamKey{"starCatalogUnmatched", &zre::ZRParams::starCatalogUnmatched, "stars without a catalogue match: 0 scattered, 1 by brightness, 2 left out"},
