@@ -87,6 +87,13 @@ void renderZoomed(const Warp& warp, const Image& src, const Image& depth, const 
 
 } // namespace
 
+/// Whether the cells of the zoomed warp, which number the pixels in 32 bits, can hold an image.
+static bool fitsCells(const Image& image)
+{
+    constexpr std::int64_t kMostCells = std::numeric_limits<std::int32_t>::max();
+    return (std::int64_t{image.width} + 3) * (std::int64_t{image.height} + 2) <= kMostCells;
+}
+
 void renderEye2D(const Image& src, const Image& depth, Image& out, double parallax,
                  double convergence, double offsetX, double offsetY, double maxDisparity,
                  double zoom, double centerX, double centerY, bool splat, Image* outDepth)
@@ -96,11 +103,14 @@ void renderEye2D(const Image& src, const Image& depth, Image& out, double parall
     const Warp warp =
         settled({parallax, convergence, offsetX, offsetY, maxDisparity, zoom, centerX, centerY},
                 src.width, src.height);
+    const bool zoomed = warp.zoom != 0.0 || splat;
+    if (zoomed && !fitsCells(src))
+        return;
     if (outDepth)
         shapeDepth(*outDepth, src.width, src.height);
 
     const DepthRange depths = depthRange(warp, depth);
-    if (warp.zoom == 0.0 && !splat)
+    if (!zoomed)
         renderShifted(warp, src, depth, rowReach(warp, depths, src.height), out, outDepth);
     else
         renderZoomed(warp, src, depth, depths, splat, out, outDepth);
