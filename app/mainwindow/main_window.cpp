@@ -59,7 +59,10 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
                   [this] { syncParamsFromUi(); }, [this] { renderNow(); },
                   [this] { updateGates(); }})
     , m_flyby(*this, {[this](const FlybyController::Rescale& from) { return askRescale(from); },
-                      [this] { refreshPlayback(); }})
+                      [this] {
+                          m_flybyScript.refresh();
+                          refreshPlayback();
+                      }})
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), pairOpener(),
                opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
                opener(&MainWindow::loadFlybyScriptFile))
@@ -69,6 +72,8 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
           pairOpener())
     , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
     , m_starTable(*this, *this, *m_preview, [this] { renderNow(); })
+    , m_flybyScript(
+          *this, *this, [this] { playFlyby(); }, [this] { refreshPlayback(); })
     , m_preferences(
           *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
 {
@@ -177,6 +182,8 @@ void MainWindow::buildMenus()
                   nullptr, &MainWindow::onPlayFlybyToggled},
         ActionRow{kPlay, "stopPlayback", "&Stop", Key::UnknownKey, "Esc", Gate::NeedsPlayback,
                   &MainWindow::onStopClicked},
+        ActionRow{kFlyby, "showScriptEditor", "Script &Editor...", Key::UnknownKey, "Ctrl+Shift+E",
+                  Gate::Always, &MainWindow::showScriptEditor},
         ActionRow{kFlyby, "loadScript", "&Load Script...", Key::UnknownKey, "", Gate::NeedsImage,
                   &MainWindow::loadScript},
         ActionRow{kFlyby, "saveScript", "&Save Script...", Key::UnknownKey, "", Gate::NeedsImage,
@@ -377,6 +384,7 @@ void MainWindow::documentReplaced()
     m_params.documentReplaced();
     m_starOverlay.documentReplaced();
     m_starTable.documentReplaced();
+    m_flybyScript.refresh();
     m_render.showDocument();
     updateGates();
 }
@@ -399,6 +407,13 @@ void MainWindow::onOutputModeChanged(int view)
 {
     m_playback.dropPlayback();
     m_render.onOutputModeChanged(view);
+}
+
+void MainWindow::playFlyby()
+{
+    auto* action = findChild<QAction*>("playFlyby");
+    if (!action->isChecked() || !refreshPlayback())
+        action->setChecked(true);
 }
 
 void MainWindow::showZoom(double scale, bool fitted)
@@ -434,6 +449,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     if (!event->isAccepted())
         return;
     m_starTable.closeStarTable();
+    m_flybyScript.closeScriptEditor();
     appcfg::setWindowGeometry(saveGeometry());
     appcfg::setSplitterState(m_splitter->saveState());
 }
@@ -513,6 +529,7 @@ void MainWindow::pictureShown()
 {
     refreshStarTableWindow(); // first: it may ring a star among those that the overlay takes over
     m_starOverlay.pictureShown();
+    m_flybyScript.refresh();
     m_params.syncStarControls();
     if (const zre::Image* depth = m_pipeline.standingDepth())
         m_params.showDepth(*depth);

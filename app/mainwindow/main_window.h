@@ -13,6 +13,7 @@
 #include "app/mainwindow/document_controller.h"
 #include "app/mainwindow/drop_controller.h"
 #include "app/mainwindow/flyby_controller.h"
+#include "app/mainwindow/flyby_script_controller.h"
 #include "app/mainwindow/params_controller.h"
 #include "app/mainwindow/playback_controller.h"
 #include "app/mainwindow/preferences_controller.h"
@@ -204,6 +205,8 @@ private:
     void zoomToFit();
     void zoomToPixels();
     void showStarTable() { m_starTable.showStarTable(); }
+    void playFlyby();
+    void showScriptEditor() { m_flybyScript.showScriptEditor(); }
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }
     void pictureShown();
@@ -232,6 +235,7 @@ private:
     DropController m_drops;
     StillController m_stills;
     StarTableController m_starTable;
+    FlybyScriptController m_flybyScript;
     PreferencesController m_preferences;
     QSplitter* m_splitter = nullptr;  ///< owned by the window
     QWidget* m_transport = nullptr;   ///< owned by the window

@@ -329,6 +329,16 @@ void setStarTableGeometry(const QByteArray& geometry)
     write(kSettings.starTableGeometry, geometry);
 }
 
+QByteArray scriptEditorGeometry()
+{
+    return read(kSettings.scriptEditorGeometry);
+}
+
+void setScriptEditorGeometry(const QByteArray& geometry)
+{
+    write(kSettings.scriptEditorGeometry, geometry);
+}
+
 QString lastTab()
 {
     return read(kSettings.lastTab);

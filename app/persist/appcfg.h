@@ -103,6 +103,9 @@ void setWindowGeometry(const QByteArray& geometry);
 /// Of the star table.
 QByteArray starTableGeometry();
 void setStarTableGeometry(const QByteArray& geometry);
+/// Of the script editor.
+QByteArray scriptEditorGeometry();
+void setScriptEditorGeometry(const QByteArray& geometry);
 /// Title of the tab in front: an index would shift with each new tab.
 QString lastTab();
 void setLastTab(const QString& title);

@@ -134,6 +134,7 @@ struct Settings
     Setting<QByteArray> splitterState = bytes("ui/splitterState");
     Setting<QByteArray> windowGeometry = bytes("ui/windowGeometry");
     Setting<QByteArray> starTableGeometry = bytes("ui/starTableGeometry");
+    Setting<QByteArray> scriptEditorGeometry = bytes("ui/scriptEditorGeometry");
     Setting<QString> lastTab = text("ui/lastTab");
 
     Setting<int> exportFormat = whole("export/format", 0, 0, 1);

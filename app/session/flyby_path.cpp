@@ -1,5 +1,7 @@
 #include "app/session/flyby_path.h"
 
+#include "engine/flight/flight3d_path.h"
+
 static std::vector<zre::FlybyCamera> builtInFlyby(const zre::ZRParams& params, int width,
                                                   int height)
 {
@@ -36,9 +38,16 @@ FlybyPath compileFlyby(const QString& script, const zre::ZRParams& params, int w
     const double amplitude =
         options.ongoingWiggle ? static_cast<double>(params.wiggleAmplitude) : 0.0;
     FlybyPath path;
+    const std::string text = script.toStdString();
+    if (zre::isFlight3DScript(text)) {
+        path.cameras = builtInFlyby(params, width, height);
+        path.builtIn = true;
+        path.status = QStringLiteral("%1  (using built-in)").arg(kNo3DFlights);
+        return path;
+    }
     zre::ZRFlybyCompiled compiled = zre::ZRFlybyScript::Compile(
-        script.toStdString(), width, height, params.wiggleFps < 1 ? kUsualFps : params.wiggleFps,
-        path.errors, params.wiggleFrames > 0 ? params.wiggleFrames : kUsualPeriod,
+        text, width, height, params.wiggleFps < 1 ? kUsualFps : params.wiggleFps, path.errors,
+        params.wiggleFrames > 0 ? params.wiggleFrames : kUsualPeriod,
         options.continuousLoop ? amplitude : -1.0, params.flybyFrameW, params.flybyFrameH);
     if (compiled.ok)
         path.cameras = std::move(compiled.frames);

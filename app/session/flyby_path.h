@@ -7,6 +7,9 @@
 #include "engine/flight/flyby_script.h"
 #include "engine/params/params.h"
 
+/// What the user is told of a script of a flight through space: there is no compiler for it.
+inline constexpr const char* kNo3DFlights = "3D flight - not available in this version.";
+
 /// The user's settings of every flyby.
 struct FlybyOptions
 {
@@ -23,7 +26,7 @@ struct FlybyPath
     QString status; ///< for the user
 };
 
-/// Compiles `script` for a picture of `width` by `height` pixels; an empty or failed one gives the
-/// built-in push-in loop.
+/// Compiles `script` for a picture of `width` by `height` pixels; an empty or failed one, and one
+/// of a flight through space, gives the built-in push-in loop.
 FlybyPath compileFlyby(const QString& script, const zre::ZRParams& params, int width, int height,
                        const FlybyOptions& options);

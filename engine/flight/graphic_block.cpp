@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/flight/block_words.h"
 #include "engine/flight/flyby_script.h"
 #include "engine/flight/script_text.h"
 
@@ -13,6 +14,10 @@ namespace zre {
 
 using script::fixedPoint;
 using script::general;
+using script::kEases;
+using script::kMoves;
+using script::kStartNames;
+using script::kWaypointNames;
 using script::Token;
 
 namespace {
@@ -20,31 +25,6 @@ namespace {
 constexpr double kLeastZoom = 0.05;
 constexpr double kMostZoom = 32.0;
 constexpr int kMostFps = 240;
-
-using namespace std::string_view_literals;
-
-constexpr std::array kEases{"linear"sv, "in"sv, "out"sv, "inout"sv};
-constexpr std::array kMoves{"moveto"sv, "flyto"sv, "flyin"sv, "zoomto"sv, "stay"sv};
-constexpr std::array kStartNames{"version"sv, "fps"sv,  "x"sv,   "y"sv,      "zoom"sv, "ease"sv,
-                                 "roll"sv,    "sway"sv, "amp"sv, "period"sv, "hold"sv};
-constexpr std::array kWaypointNames{"x"sv,
-                                    "y"sv,
-                                    "move"sv,
-                                    "frames"sv,
-                                    "zoom"sv,
-                                    "warp"sv,
-                                    "away"sv,
-                                    "ease"sv,
-                                    "hold"sv,
-                                    "roll"sv,
-                                    "sway_before"sv,
-                                    "amp_before"sv,
-                                    "period_before"sv,
-                                    "fps_before"sv,
-                                    "sway_after"sv,
-                                    "amp_after"sv,
-                                    "period_after"sv,
-                                    "fps_after"sv};
 
 template <std::size_t N>
 bool contains(const std::array<std::string_view, N>& words, std::string_view word)

@@ -11,6 +11,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 
+#include "app/flyby/script_editor.h"
 #include "app/main/app_icon.h"
 #include "app/mainwindow/main_window.h"
 #include "app/mainwindow/preview_view.h"
@@ -148,6 +149,23 @@ static bool grabPlayback(MainWindow& window, const QString& folder, const QStrin
     return saved;
 }
 
+/// The script editor with a script that has a fault.
+static bool grabScriptEditor(MainWindow& window, const QString& folder, const QString& name)
+{
+    window.findChild<QAction*>("showScriptEditor")->trigger();
+    auto* editor = window.findChild<ScriptEditor*>();
+    editor->setScript("# A slow push into the cloud, then a rest.\n"
+                      "ease inout\nzoom 1.2\nflyin: 820 430 120 2.5 15\nhold 24\n"
+                      "$turn = 10\nrotate $turn 48\n\npath_start x=100 y=50 zoom=1 ease=in\n"
+                      "moveto 300 sideways 40\n");
+    editor->show();
+    QCoreApplication::processEvents();
+    const bool saved = grab(*editor, folder, name);
+    editor->setScript({});
+    editor->close();
+    return saved;
+}
+
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
 /// empty and with IMAGE or the built-in scene in each view, tab and theme.
 int main(int argc, char** argv)
@@ -194,8 +212,10 @@ int main(int argc, char** argv)
     saved = grabPreviewTools(window, arguments[1]) && saved;
     saved = grabStars(window, arguments[1]) && saved;
     saved = grabPlayback(window, arguments[1], "window-playing") && saved;
+    saved = grabScriptEditor(window, arguments[1], "script-editor") && saved;
     theme.setModeTransient(ThemeManager::Mode::Light);
     saved = grabPlayback(window, arguments[1], "window-playing-light") && saved;
+    saved = grabScriptEditor(window, arguments[1], "script-editor-light") && saved;
     saved = grab(window, arguments[1], "window-light") && saved;
     return saved ? 0 : 1;
 }
