@@ -62,6 +62,7 @@ private:
     QString see() const;
 
     QStringList left;
+    QString group; ///< the first word of a command of two, until the second is there
     Invocation result;
     QString error;
 };
@@ -171,22 +172,30 @@ void Parser::takeWord(const QString& word)
 
 void Parser::takeCommand(const QString& word)
 {
+    const QString given = group.isEmpty() ? word : group + QLatin1Char(' ') + word;
     QStringList known;
+    bool begins = false;
     for (const CommandSpec& command : kCommands) {
         known << QLatin1String(command.name);
-        if (word == QLatin1String(command.name)) {
+        if (given == known.last()) {
             result.command = &command;
             return;
         }
+        begins = begins || known.last().startsWith(given + QLatin1Char(' '));
     }
-    error = QStringLiteral("unknown command %1").arg(word) + suggestion(word, known) + see();
+    if (begins)
+        group = given;
+    else
+        error = QStringLiteral("unknown command %1").arg(given) + suggestion(given, known) + see();
 }
 
 void Parser::checkComplete()
 {
     if (!result.command) {
         if (!result.has(Option::Man) && !result.has(Option::Completion))
-            error = QStringLiteral("no command is given") + see();
+            error = (group.isEmpty() ? QStringLiteral("no command is given")
+                                     : group + QStringLiteral(" needs a second word")) +
+                    see();
         return;
     }
     checkDocument();

@@ -3,6 +3,7 @@
 #include <array>
 #include <span>
 
+#include "app/export/video_plan.h"
 #include "app/session/output_view.h"
 #include "tools/render/outcome.h"
 
@@ -23,8 +24,13 @@ enum CommandBit : unsigned
     kParams = 16,
     kNoCommand = 32, ///< the option stands alone, without a command
     kStars = 64,
-    kRendering = kStill | kWiggle | kStars, ///< the commands that bring a document to its stars
-    kAnyCommand = kRendering | kInfo | kDemoScene | kParams
+    kMotion = 128,
+    kScriptCheck = 256,
+    kScriptFrames = 512,
+    kScript = kScriptCheck | kScriptFrames,
+    /// The commands that bring a document to its stars.
+    kRendering = kStill | kWiggle | kStars | kMotion,
+    kAnyCommand = kRendering | kInfo | kDemoScene | kParams | kScript
 };
 
 enum class Option
@@ -44,6 +50,14 @@ enum class Option
     Size,
     Seed,
     Truth,
+    Wiggle,
+    Flyby,
+    Stereo,
+    Fps,
+    Frames,
+    Vr180,
+    AppleSpatial,
+    Resume,
     Text,
     Json,
     Quiet,
@@ -82,7 +96,7 @@ struct OptionSpec
 struct CommandSpec
 {
     CommandBit bit;
-    const char* name;
+    const char* name;    ///< one word, or two of which several commands share the first
     const char* operand; ///< the one argument that is no option; null for none
     const char* summary;
     const char* details;
@@ -95,6 +109,9 @@ Outcome runStars(const Invocation& invocation, RunContext& context);
 Outcome runInfo(const Invocation& invocation, RunContext& context);
 Outcome runDemoScene(const Invocation& invocation, RunContext& context);
 Outcome runParams(const Invocation& invocation, RunContext& context);
+Outcome runMotion(const Invocation& invocation, RunContext& context);
+Outcome runScriptCheck(const Invocation& invocation, RunContext& context);
+Outcome runScriptFrames(const Invocation& invocation, RunContext& context);
 
 namespace detail {
 template <std::size_t... I>
@@ -102,10 +119,18 @@ constexpr std::array<const char*, sizeof...(I)> viewKeys(std::index_sequence<I..
 {
     return {kOutputViews[I].key...};
 }
+
+template <std::size_t... I>
+constexpr std::array<const char*, sizeof...(I)> stereoKeys(std::index_sequence<I...>)
+{
+    return {kStereoFormats[I].key...};
+}
 } // namespace detail
 
 inline constexpr auto kViewChoices =
     detail::viewKeys(std::make_index_sequence<kOutputViews.size()>());
+inline constexpr auto kStereoChoices =
+    detail::stereoKeys(std::make_index_sequence<kStereoFormats.size()>());
 inline constexpr std::array kStillBits{"8", "16", "32"};
 inline constexpr std::array kFrameBits{"8", "16"};
 inline constexpr std::array kStretchChoices{"auto", "none"};
@@ -135,6 +160,30 @@ inline constexpr std::array kCommands{
         "drawn), width and height of its cut-out, distance_pc, ra_deg and dec_deg; what is "
         "not known stays empty.",
         runStars},
+    CommandSpec{
+        kMotion, "motion", "IN", "render the parallax motion or a flyby of IN as a video or frames",
+        "Renders a closed loop of the moving viewpoint (--wiggle), or the flight of a script "
+        "(--flyby), into a video by ffmpeg, or, where OUT has another suffix than .mp4 or "
+        ".gif, into the folder OUT as frame_00000.png, frame_00001.png and so on. A frame "
+        "in the folder is complete or absent, so that --resume goes on where a run ended. "
+        "With --frames several machines share one flight: in a Slurm array, "
+        "`#SBATCH --array=0-9`, then `A=$((SLURM_ARRAY_TASK_ID*100))`, then "
+        "`zerrith-render motion m31.xisf -o frames --flyby tour.txt --resume --frames "
+        "$A:$((A+100))`; with GNU parallel, `seq 0 100 900 | parallel 'zerrith-render motion "
+        "m31.xisf -o frames --flyby tour.txt --resume --frames {}:$(({}+100))'`. Then "
+        "`ffmpeg -framerate 24 -i frames/frame_%05d.png flight.mp4` joins them.",
+        runMotion},
+    CommandSpec{
+        kScriptCheck, "script check", "SCRIPT", "tell the errors and the length of a flyby script",
+        "Compiles a flyby script and tells each error with its line, or how many frames and "
+        "seconds the flight has.",
+        runScriptCheck},
+    CommandSpec{
+        kScriptFrames, "script frames", "SCRIPT",
+        "print the camera of every frame of a flyby script",
+        "Prints one camera a line: its centre and zoom in pixels of the picture, warp, roll "
+        "and wiggle, and the line of the script it comes from.",
+        runScriptFrames},
     CommandSpec{kInfo, "info", "IN", "tell the format, the geometry and the place on the sky of IN",
                 "Tells size, format and bit depth, how linear data would be stretched, and of an "
                 "astrometric solution centre, scale, rotation (the position angle of the "
@@ -158,6 +207,8 @@ inline constexpr std::array kOptions{
                "the file to write, in any format that `still` writes"},
     OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kStars,
                "the .csv file to write; an existing one is replaced once the new one is complete"},
+    OptionSpec{Option::Output, 'o', "output", "OUT", Completes::Files, kAnyValue, true, false, kMotion,
+               "the .mp4 or .gif to write, or a folder for the frames, refused unless empty or with --resume"},
     OptionSpec{Option::View, 0, "view", "VIEW", Completes::Choices, kViewChoices, false, false, kStill,
                "what to render; without it the view that the parameter file names, else the anaglyph"},
     OptionSpec{Option::Set, 0, "set", "KEY=VALUE", Completes::Parameters, kAnyValue, false, true, kRendering,
@@ -168,7 +219,7 @@ inline constexpr std::array kOptions{
                "with --stars, in place of IN: the picture without its stars, made elsewhere"},
     OptionSpec{Option::Stars, 0, "stars", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "with --starless: the stars alone, on black and of the same size"},
-    OptionSpec{Option::NoStars, 0, "no-stars", nullptr, Completes::Nothing, kAnyValue, false, false, kStill | kWiggle,
+    OptionSpec{Option::NoStars, 0, "no-stars", nullptr, Completes::Nothing, kAnyValue, false, false, kStill | kWiggle | kMotion,
                "leave the stars in the picture, as --set starSeparationEnabled=0 does"},
     OptionSpec{Option::DepthMap, 0, "depth-map", "FILE", Completes::Files, kAnyValue, false, false, kRendering,
                "blend a depth map (white is near) over the image's own: sets depthMapEnabled, and "
@@ -180,12 +231,34 @@ inline constexpr std::array kOptions{
                "beside the program without this option"},
     OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kStillBits, false, false, kStill,
                "bits of a sample, where the format leaves the choice"},
-    OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kFrameBits, false, false, kWiggle,
+    OptionSpec{Option::Bits, 0, "bits", "N", Completes::Choices, kFrameBits, false, false, kWiggle | kMotion,
                "bits of a sample; 8 without this option"},
     OptionSpec{Option::Stretch, 0, "stretch", "MODE", Completes::Choices, kStretchChoices, false, false, kRendering,
                "auto (the default) brings linear data up by a midtones stretch, none takes them as they are"},
     OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kDemoScene,
                "size in pixels, 16 to 32768 a side; 1600x1067 without this option"},
+    OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kScript,
+               "size in pixels of the picture to fly over, 16 to 32768 a side; 1600x1067 without this option"},
+    OptionSpec{Option::Wiggle, 0, "wiggle", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,
+               "render the parallax motion, as long as the parameter wiggleFrames says"},
+    OptionSpec{Option::Flyby, 0, "flyby", "SCRIPT", Completes::Files, kAnyValue, false, false, kMotion,
+               "render the flight that the file tells; one without commands gives the built-in flight"},
+    OptionSpec{Option::Stereo, 0, "stereo", "FORMAT", Completes::Choices, kStereoChoices, false, false, kMotion,
+               "how both eyes travel in one picture: flat (the default), red/cyan, side by side in full or half "
+               "width, or one above the other"},
+    OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kMotion,
+               "fit the video into this box, 16 to 32768 pixels a side, without enlarging; the picture's size without "
+               "this option"},
+    OptionSpec{Option::Fps, 0, "fps", "N", Completes::Nothing, kAnyValue, false, false, kMotion,
+               "frames a second, 1 to 240; without it what the script or the parameter wiggleFps says"},
+    OptionSpec{Option::Frames, 0, "frames", "A:B", Completes::Nothing, kAnyValue, false, false, kMotion,
+               "render the frames from A on and before B only, counted from 0; either may be left out"},
+    OptionSpec{Option::Vr180, 0, "vr180", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,
+               "a side-by-side .mp4 that VR180 players know for one"},
+    OptionSpec{Option::AppleSpatial, 0, "apple-spatial", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,
+               "a side-by-side .mp4 that Apple's players know for a spatial video"},
+    OptionSpec{Option::Resume, 0, "resume", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,
+               "keep the complete frames that the folder holds and render the others"},
     OptionSpec{Option::Seed, 0, "seed", "N", Completes::Nothing, kAnyValue, false, false, kDemoScene,
                "the scene to paint, a whole number from 0; 1 without this option"},
     OptionSpec{Option::Truth, 0, "truth", "DIR", Completes::Folders, kAnyValue, false, false, kDemoScene,

@@ -15,27 +15,12 @@ namespace zrrender {
 
 namespace {
 
-constexpr int kSmallestSide = 16;
-constexpr int kLargestSide = 32768;
-
-bool readSide(const QString& text, int& side)
-{
-    bool ok = false;
-    side = text.toInt(&ok);
-    return ok && side >= kSmallestSide && side <= kLargestSide;
-}
-
 Outcome readSceneOptions(const Invocation& invocation, zre::DemoSceneOptions& options)
 {
     if (invocation.has(Option::Size)) {
-        const QString size = invocation.value(Option::Size);
-        const QStringList sides = size.toLower().split(QLatin1Char('x'));
-        if (sides.size() != 2 || !readSide(sides[0], options.width) ||
-            !readSide(sides[1], options.height))
-            return Outcome::usage(QStringLiteral("--size takes WxH, %1 to %2 a side, not %3")
-                                      .arg(kSmallestSide)
-                                      .arg(kLargestSide)
-                                      .arg(size));
+        Outcome outcome = readSize(invocation, options.width, options.height);
+        if (!outcome.isDone())
+            return outcome;
     }
     if (invocation.has(Option::Seed)) {
         bool ok = false;

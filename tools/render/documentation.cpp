@@ -1,6 +1,7 @@
 #include "tools/render/documentation.h"
 
 #include <array>
+#include <map>
 
 #include <QStringList>
 
@@ -182,7 +183,8 @@ QString completionOfValue(const OptionSpec& option)
 QString completionCase(const CommandSpec& command)
 {
     const std::vector<const OptionSpec*> options = optionsOf(command.bit, false);
-    QString text = QStringLiteral("    %1)\n        case $previous in\n").arg(latin(command.name));
+    QString text =
+        QStringLiteral("    '%1')\n        case $previous in\n").arg(latin(command.name));
     for (const OptionSpec* option : options) {
         if (option->isSwitch())
             continue;
@@ -259,7 +261,7 @@ _zerrith_render_parameters()
 _zerrith_render()
 {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command= options='%1' operands= i
+    local command= options='%1' operands= group= i
     COMPREPLY=()
     # bash makes a word of its own of the = in --name=value
     if [[ $word == = ]]; then
@@ -268,12 +270,12 @@ _zerrith_render()
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     for ((i = 1; i < COMP_CWORD; i++)); do
-        case ${COMP_WORDS[i]} in
-        %2) command=${COMP_WORDS[i]}; break ;;
-        esac
+        case "$group${COMP_WORDS[i]}" in
+        %2) command=$group${COMP_WORDS[i]}; break ;;
+%5        esac
     done
-    case $command in
-%3    '') options+=' %4' ;;
+    case ${command:-$group} in
+%3%6    '') options+=' %4' ;;
     esac
     if [[ $word == -* || -z $operands ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$word"))
@@ -287,14 +289,28 @@ complete -F _zerrith_render zerrith-render
 QString bashCompletion()
 {
     QString cases;
-    QStringList names;
+    QStringList quoted;
+    QStringList first;                     // words of every command
+    std::map<QString, QStringList> second; // of the commands of two
     for (const CommandSpec& command : kCommands) {
-        names << latin(command.name);
+        const QStringList name = latin(command.name).split(QLatin1Char(' '));
+        quoted << QLatin1Char('\'') + latin(command.name) + QLatin1Char('\'');
         cases += completionCase(command);
+        if (!first.contains(name[0]))
+            first << name[0];
+        if (name.size() > 1)
+            second[name[0]] << name[1];
+    }
+    QString groups;
+    QString groupCases;
+    for (const auto& [group, names] : second) {
+        groups += QStringLiteral("        %1) group='%1 ' ;;\n").arg(group);
+        groupCases +=
+            QStringLiteral("    '%1 ') options='%2' ;;\n").arg(group, names.join(QLatin1Char(' ')));
     }
     return latin(kCompletionFrame)
-        .arg(words(optionsOf(kNoCommand, false)), names.join(QLatin1String(" | ")), cases,
-             names.join(QLatin1Char(' ')));
+        .arg(words(optionsOf(kNoCommand, false)), quoted.join(QLatin1String(" | ")), cases,
+             first.join(QLatin1Char(' ')), groups, groupCases);
 }
 
 } // namespace zrrender

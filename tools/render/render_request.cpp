@@ -19,6 +19,8 @@ namespace zrrender {
 namespace {
 
 constexpr qint64 kLargestParameterFile = 16 << 20;
+constexpr int kSmallestSide = 16;
+constexpr int kLargestSide = 32768;
 
 bool sameFile(const QString& a, const QString& b)
 {
@@ -31,7 +33,8 @@ Outcome checkOutput(const Invocation& invocation, const QString& output)
     for (const QString& input :
          {invocation.operand, invocation.value(Option::Starless), invocation.value(Option::Stars),
           invocation.value(Option::DepthMap), invocation.value(Option::ParamsFile),
-          invocation.value(Option::StarModel), invocation.value(Option::DepthModel)})
+          invocation.value(Option::StarModel), invocation.value(Option::DepthModel),
+          invocation.value(Option::Flyby)})
         if (sameFile(input, output))
             return Outcome::usage(
                 QStringLiteral("%1 is read by this command and not overwritten").arg(output));
@@ -209,6 +212,40 @@ void warnOfFailures(const RenderPipeline& pipeline, Console& console)
     for (const QString& failure : {pipeline.starSeparationFailure(), pipeline.aiDepthFailure()})
         if (!failure.isEmpty())
             console.warn(failure);
+}
+
+static bool readSide(const QString& text, int& side)
+{
+    bool ok = false;
+    side = text.toInt(&ok);
+    return ok && side >= kSmallestSide && side <= kLargestSide;
+}
+
+Outcome readSize(const Invocation& invocation, int& width, int& height)
+{
+    const QString size = invocation.value(Option::Size);
+    const QStringList sides = size.toLower().split(QLatin1Char('x'));
+    if (sides.size() == 2 && readSide(sides[0], width) && readSide(sides[1], height))
+        return Outcome::done();
+    return Outcome::usage(QStringLiteral("--size takes WxH, %1 to %2 a side, not %3")
+                              .arg(kSmallestSide)
+                              .arg(kLargestSide)
+                              .arg(size));
+}
+
+Outcome readScript(const QString& path, QString& text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    const QByteArray bytes = file.read(kLargestParameterFile + 1);
+    if (file.error() != QFileDevice::NoError)
+        return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    QStringDecoder decode(QStringDecoder::Utf8);
+    text = decode(bytes);
+    if (bytes.size() > kLargestParameterFile || decode.hasError() || bytes.contains('\0'))
+        return Outcome::failed(QStringLiteral("%1 is not a flyby script").arg(path));
+    return Outcome::done();
 }
 
 QString stretchText(const DecodedFile& file)

@@ -16,6 +16,12 @@ Outcome readParameters(const Invocation& invocation, const QString& output, Sess
 /// Opens the image or the pair, and the depth map where one is named.
 Outcome openInputs(const Invocation& invocation, Session& session, Console& console);
 
+/// The size that --size gives, which leaves what it does not fit in.
+Outcome readSize(const Invocation& invocation, int& width, int& height);
+
+/// Reads a flyby script: a text of at most a few megabytes in UTF-8.
+Outcome readScript(const QString& path, QString& text);
+
 /// What linear data went through before they were rendered; empty when nothing.
 QString stretchText(const DecodedFile& file);
 

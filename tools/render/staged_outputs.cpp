@@ -151,6 +151,16 @@ static void moveToFreePlace(const fs::path& from, const fs::path& to, std::error
         code = std::error_code(errno, std::generic_category());
 }
 
+bool StagedOutputs::moveIntoPlace(const File& file, Existing existing, QString* error)
+{
+    std::error_code code;
+    if (existing == Existing::Kept)
+        moveToFreePlace(file.staged, file.destination, code);
+    else
+        fs::rename(file.staged, file.destination, code);
+    return !code || fail(error, QStringLiteral("cannot write"), file.destination, code);
+}
+
 bool StagedOutputs::commit(QString* error, Existing existing)
 {
     const std::lock_guard lock(mutex);
@@ -158,23 +168,34 @@ bool StagedOutputs::commit(QString* error, Existing existing)
     std::error_code code;
     if (closed)
         return false; // whoever abandoned them knows why
-    for (const auto& [staged, destination, identity] : files) {
-        const bool isNew = !fs::exists(destination, code);
-        if (existing == Existing::Kept)
-            moveToFreePlace(staged, destination, code);
-        else
-            fs::rename(staged, destination, code);
-        if (code) {
-            const std::error_code why = code;
+    for (const File& file : files) {
+        const bool isNew = !fs::exists(file.destination, code);
+        if (!moveIntoPlace(file, existing, error)) {
             for (const fs::path& path : added)
                 fs::remove(path, code);
-            return fail(error, QStringLiteral("cannot write"), destination, why);
+            return false;
         }
         if (isNew)
-            added.push_back(destination);
+            added.push_back(file.destination);
     }
     files.clear();
     removeHiddenFolders();
+    madeFolders.clear();
+    return true;
+}
+
+bool StagedOutputs::commitFile(const QString& destination, QString* error, Existing existing)
+{
+    const std::lock_guard lock(mutex);
+    std::error_code code;
+    const fs::path identity = fs::weakly_canonical(toPath(destination), code);
+    const auto file = std::find_if(files.begin(), files.end(),
+                                   [&](const File& each) { return each.identity == identity; });
+    if (closed || file == files.end())
+        return false; // whoever abandoned them knows why
+    if (!moveIntoPlace(*file, existing, error))
+        return false;
+    files.erase(file);
     madeFolders.clear();
     return true;
 }

@@ -46,6 +46,10 @@ public:
     /// `error` (none after `abandon`).
     bool commit(QString* error, Existing existing = Existing::Replaced);
 
+    /// Moves the one file staged for `destination` into place, for work that is worth keeping piece
+    /// by piece; the others stay staged. May come from several threads.
+    bool commitFile(const QString& destination, QString* error, Existing existing);
+
     /// Removes everything that was not committed, for good: nothing can be staged or committed
     /// afterwards. False when that had been done before.
     bool abandon();
@@ -62,6 +66,7 @@ private:
 
     std::optional<Path> hiddenFolderIn(const Path& folder, QString* error);
     void removeHiddenFolders();
+    static bool moveIntoPlace(const File& file, Existing existing, QString* error);
 
     std::mutex mutex;
     bool closed = false;

@@ -84,11 +84,17 @@ TEST(Completion, OffersTheCommandsAndEachCommandsOwnOptions)
         GTEST_SKIP() << "bash is not installed";
     std::vector<std::string> commands;
     for (const CommandSpec& command : kCommands) {
-        commands.emplace_back(command.name);
+        const QStringList name = QString(command.name).split(' ');
+        commands.push_back(name[0].toStdString());
+        if (name.size() > 1) {
+            EXPECT_THAT(offered({"zerrith-render", name[0], ""}),
+                        testing::Contains(name[1].toStdString()));
+        }
         std::vector<std::string> options;
         for (const OptionSpec* option : optionsOf(command.bit, false))
             options.push_back("--" + std::string(option->name));
-        EXPECT_THAT(offered({"zerrith-render", command.name, "--"}), ElementsAreArray(options));
+        EXPECT_THAT(offered(QStringList{"zerrith-render"} + name + QStringList{"--"}),
+                    ElementsAreArray(options));
     }
     for (const std::string& command : commands)
         EXPECT_THAT(offered({"zerrith-render", ""}), testing::Contains(command));

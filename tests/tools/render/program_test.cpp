@@ -14,6 +14,7 @@
 #include "engine/demo/demo_scene.h"
 #include "tests/support/testkit.h"
 #include "tests/tools/render/folder_listing.h"
+#include "tests/tools/render/spawn.h"
 
 namespace fs = std::filesystem;
 
@@ -414,6 +415,94 @@ TEST_F(Program, ParameterTextIsReadBackAsTheDefaults)
     EXPECT_TRUE(unknown.isEmpty());
     EXPECT_EQ(params.smoothness, zre::ZRParams().smoothness);
     EXPECT_EQ(outputMode, 2);
+}
+
+std::string bytesOf(const fs::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST_F(Program, FramesOfAMotionComeInPartsAsInOneRunAndOnlyTheMissingAreRendered)
+{
+    std::ofstream(folder / "tour.txt") << "zoom 1\nzoomto 2 5\n";
+    for (const std::string how : {"--wiggle --set wiggleFrames=6 --stereo hsbs",
+                                  "--flyby @tour.txt --stereo anaglyph --bits 16"}) {
+        fs::remove_all(folder / "whole");
+        fs::remove_all(folder / "parts");
+        const QString line = "motion @in.tif --stretch none " + QString::fromStdString(how);
+        ok(line + " -o @whole");
+        ok(line + " -o @parts --frames 3:");
+        const fs::path third = folder / "parts" / "frame_00003.png";
+        const auto written = fs::last_write_time(third);
+        EXPECT_NE(run(line + " -o @parts --frames :3").code, 0) << "a folder that is not empty";
+        fs::resize_file(folder / "parts" / "frame_00004.png", 60);
+        ok(line + " -o @parts --resume");
+        EXPECT_EQ(fs::last_write_time(third), written) << how;
+        EXPECT_EQ(listing(folder / "parts"), listing(folder / "whole"));
+        EXPECT_TRUE(fs::exists(folder / "whole" / "frame_00004.png"));
+        for (const auto& entry : fs::directory_iterator(folder / "whole"))
+            EXPECT_EQ(bytesOf(entry.path()), bytesOf(folder / "parts" / entry.path().filename()))
+                << how << entry.path();
+    }
+}
+
+TEST_F(Program, VideosHaveTheSizeFramesAndRateAskedFor)
+{
+    const std::string probe = "/usr/bin/ffprobe";
+    if (!fs::exists(probe))
+        GTEST_SKIP() << "ffmpeg is not installed";
+    const auto shape = [&](const char* file) {
+        return zrtest::runProgramFile(probe, {"-v", "error", "-select_streams", "v",
+                                              "-count_frames", "-show_entries",
+                                              "stream=width,height,r_frame_rate,nb_read_frames",
+                                              "-of", "csv=p=0", (folder / file).string()})
+            .output;
+    };
+    const QString line = "motion @in.tif --stretch none --wiggle --set wiggleFrames=5 --fps 12 -o ";
+    const std::array cases{
+        std::array{"flat.mp4", "", "36,24,12/1,5\n"},
+        std::array{"part.mp4", "--frames 1:4 --stereo sbs", "72,24,12/1,3\n"},
+        std::array{"box.mp4", "--stereo tb --size 64x48", "64,48,12/1,5\n"},
+        std::array{"vr.mp4", "--vr180 --size 18x18", "36,12,12/1,5\n"},
+        std::array{"apple.mp4", "--apple-spatial", "72,24,12/1,5\n"},
+    };
+    for (const auto& [file, options, expected] : cases) {
+        const fs::path target = folder / file;
+        ok(line + "@" + file + " " + options);
+        EXPECT_EQ(shape(file).substr(0, std::string(expected).size() - 1),
+                  std::string(expected).substr(0, std::string(expected).size() - 1));
+    }
+    EXPECT_THAT(bytesOf(folder / "vr.mp4"), HasSubstr("st3d"));
+    EXPECT_THAT(bytesOf(folder / "apple.mp4"), HasSubstr("vexu"));
+    for (const QString refused : {"--wiggle -o @a.gif --stereo sbs", "--wiggle -o @a.gif --vr180",
+                                  "--wiggle -o @a.mp4 --resume", "-o @a.mp4",
+                                  "--wiggle -o @dir "
+                                  "--frames 4:2",
+                                  "--wiggle --flyby @tour.txt -o @dir"})
+        EXPECT_EQ(run("motion @in.tif " + refused).code, 2) << refused.toStdString();
+}
+
+TEST_F(Program, AScriptIsCheckedByLineAndGivesACameraForEachFrame)
+{
+    // Five frames, led on until the wiggle of thirty frames has come full circle.
+    std::ofstream(folder / "good.txt") << "videofps 10\nmoveto 18 12 3\nhold 2\n";
+    std::ofstream(folder / "bad.txt") << "hold 5\n\nfrobnicate 3\n";
+    const Spoken good = run("script check @good.txt --size 36x24 --json");
+    EXPECT_EQ(good.code, 0) << good.err << good.out;
+    EXPECT_THAT(good.out, HasSubstr("\"frames\":30"));
+    const Spoken bad = run("script check @bad.txt");
+    EXPECT_EQ(bad.code, 1);
+    EXPECT_THAT(bad.out, HasSubstr("bad.txt:3: "));
+    const Spoken frames = run("script frames @good.txt --size 36x24 --json");
+    const QStringList lines = QString::fromStdString(frames.out).split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 30);
+    const QJsonObject last = QJsonDocument::fromJson(lines.back().toUtf8()).object();
+    EXPECT_EQ(last["frame"].toInt(), 29);
+    EXPECT_EQ(last["cx"].toDouble(), 18.0);
+    EXPECT_EQ(last["cy"].toDouble(), 12.0);
+    EXPECT_EQ(run("script").code, 2);
+    EXPECT_EQ(run("script polish @good.txt").code, 2);
 }
 
 } // namespace
