@@ -252,7 +252,7 @@ inline constexpr std::array kOptions{
     OptionSpec{Option::Fps, 0, "fps", "N", Completes::Nothing, kAnyValue, false, false, kMotion,
                "frames a second, 1 to 240; without it what the script or the parameter wiggleFps says"},
     OptionSpec{Option::Frames, 0, "frames", "A:B", Completes::Nothing, kAnyValue, false, false, kMotion,
-               "render the frames from A on and before B only, counted from 0; either may be left out"},
+               "render the frames from A on and before B only, counted from 0; either may be left out, and B may lie beyond the end"},
     OptionSpec{Option::Vr180, 0, "vr180", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,
                "a side-by-side .mp4 that VR180 players know for one"},
     OptionSpec{Option::AppleSpatial, 0, "apple-spatial", nullptr, Completes::Nothing, kAnyValue, false, false, kMotion,

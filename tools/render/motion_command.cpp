@@ -357,9 +357,9 @@ Outcome renderMotion(Request& request, const FlybyPath& path, Session& session, 
     const MotionInputs inputs = motionInputs(session, pipeline, request.flyby, {});
     warnOfFailures(pipeline, context.console);
     const int frames = inputs.frames();
-    if (request.end < 0)
-        request.end = frames;
-    if (request.first >= request.end || request.end > frames)
+    // Parts of equal length go over the end of a motion that they do not divide.
+    request.end = request.end < 0 ? frames : std::min(request.end, frames);
+    if (request.first >= request.end)
         return Outcome::usage(QStringLiteral("--frames: there are the frames 0:%1").arg(frames));
     made.frames = request.end - request.first;
     made.fps = framesPerSecond(request, path, session.params);
