@@ -185,7 +185,7 @@ VideoResult encodeVideo(const VideoJob& job,
     if (!staging.isValid())
         return {VideoEnd::Failed, "Could not write:\n" + job.path};
     const QString staged = staging.filePath("video." + target.suffix());
-    const VideoResult result = Encoding(job, goesOn, staged).run();
+    VideoResult result = Encoding(job, goesOn, staged).run();
     if (result.end != VideoEnd::Done)
         return result;
     // rename(2) replaces in one step; QFile::rename would not replace at all.

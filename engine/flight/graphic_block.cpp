@@ -71,7 +71,7 @@ public:
     void fail(std::string message) { m_errors.push_back({m_line, std::move(message)}); }
 
     /// A value that may be absent. `as` names it in errors.
-    std::optional<double> number(const std::string& name, std::string as = {})
+    std::optional<double> number(const std::string& name, const std::string& as = {})
     {
         if (!has(name))
             return std::nullopt;
@@ -437,9 +437,8 @@ bool ZRFlybyScript::ExpandGraphicBlock(const std::string& in, std::string& out,
                                        std::vector<ZRFlybySrcRef>* refs)
 {
     const std::size_t before = errors.size();
-    const std::string text = in; // `out` may be the same string
-    const Layout layout = layoutOf(text);
-    out = text;
+    const Layout layout = layoutOf(in);
+    out = in;
     if (refs)
         refs->clear();
     if (layout.plain) {
