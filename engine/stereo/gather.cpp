@@ -127,9 +127,11 @@ ZR_MULTIVERSION_512 void placeClamped(const Warp& warp, const Cells& cells, cons
 ZR_KERNEL_STEP Floats twoPairs(const float* one, const float* other)
 {
     using Pairs = double __attribute__((vector_size(16)));
-    Pairs pairs;
-    std::memcpy(&pairs[0], one, sizeof pairs[0]);
-    std::memcpy(&pairs[1], other, sizeof pairs[1]);
+    double first = 0.0;
+    double second = 0.0;
+    std::memcpy(&first, one, sizeof first);
+    std::memcpy(&second, other, sizeof second);
+    const Pairs pairs{first, second};
     return reinterpret_cast<Floats>(pairs);
 }
 
