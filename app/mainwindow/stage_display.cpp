@@ -73,7 +73,10 @@ void StageDisplay::showReadout(const QString& text)
 void StageDisplay::stage(int percent, const QString& text)
 {
     if (m_progress) {
-        m_progress->setLabelText(text);
+        if (m_firstPercent < 0)
+            m_firstPercent = percent;
+        m_progress->setLabelText(
+            text + timeLeftText(m_elapsed.elapsed(), percent - m_firstPercent, 100 - percent));
         m_progress->setValue(percent);
     } else {
         show(QString("%1  %2 %").arg(text).arg(percent));
@@ -89,6 +92,18 @@ void StageDisplay::installProgress(const QString& title, const QString& text)
     m_progress->setAutoReset(false);
     m_progress->setMinimumDuration(kProgressDelayMs);
     m_progress->setValue(0);
+    m_elapsed.start();
+    m_firstPercent = -1;
+}
+
+QString timeLeftText(qint64 elapsedMs, int done, int left)
+{
+    constexpr qint64 kToldAfterMs = 3000; // an estimate from less would jump about
+    if (elapsedMs < kToldAfterMs || done <= 0 || left <= 0)
+        return {};
+    const qint64 seconds = (elapsedMs * left / done + 999) / 1000;
+    return seconds < 90 ? QString("\nAbout %1 s left").arg(seconds)
+                        : QString("\nAbout %1 min left").arg((seconds + 30) / 60);
 }
 
 void StageDisplay::removeProgress()

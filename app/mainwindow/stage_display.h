@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <QElapsedTimer>
 #include <QString>
 
 class QLabel;
@@ -36,4 +37,10 @@ private:
     QLabel* m_zoom;
     QLabel* m_readout;
     std::unique_ptr<QProgressDialog> m_progress;
+    QElapsedTimer m_elapsed; ///< since the dialog was installed
+    int m_firstPercent = -1; ///< that it was told
 };
+
+/// How long a step still takes, as a further line of its text, when `done` percent of it took
+/// `elapsedMs` and `left` percent are left; empty while that cannot be told.
+QString timeLeftText(qint64 elapsedMs, int done, int left);
