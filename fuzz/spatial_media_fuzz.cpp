@@ -1,11 +1,10 @@
-// The injectors of spatial metadata: any bytes are taken without harm, and what is inserted is all
+// The injectors of videos: any bytes are taken without harm, and what is inserted is all
 // that changes in length.
 
 #include <cstdint>
 #include <cstdlib>
 
 #include "app/export/spatial_moov.h"
-#include "app/export/still_xmp.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -17,8 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     };
     check(vr180::withSpatialMedia(bytes), 101, 1500);
     check(vr180::withAppleSpatial(bytes, {}), 89, 89);
-    check(vr180::withXmpPng(bytes, 64, 32), 100, 2000);
-    check(vr180::withXmpJpeg(bytes, 64, 32), 100, 2000);
     if (const std::optional<vr180::Bytes> once = vr180::withAppleSpatial(bytes, {}))
         vr180::withSpatialMedia(*once);
     return 0;

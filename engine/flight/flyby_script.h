@@ -39,9 +39,12 @@ struct ZRFlybyCompiled
 /// nothing here depends on it.
 struct ZRFlybyScript
 {
-    /// Frames or statements beyond which a compile ends.
+    /// Frames or statements beyond which a compile ends; one of more than 64 characters
+    /// counts for several.
     static constexpr std::size_t kMostFrames = 1000000;
     static constexpr std::size_t kMostStatements = 1000000;
+    /// Errors beyond which one that its line has shown before is not collected again.
+    static constexpr std::size_t kMostAlike = 1000;
 
     /// Compiles a script for a source of `srcW` by `srcH` pixels.
     ///

@@ -75,6 +75,16 @@ Interpreter::Interpreter(const Setting& setting, const std::vector<ZRFlybySrcRef
 {
 }
 
+/// How many statements one counts for: a long one takes the time of many.
+static std::size_t costOf(const Cmd& cmd)
+{
+    constexpr std::size_t kUsualLength = 64;
+    std::size_t length = cmd.name.size() + cmd.varName.size() + cmd.text.size();
+    for (const std::string_view word : cmd.args)
+        length += word.size();
+    return 1 + length / kUsualLength;
+}
+
 void Interpreter::run(const Program& program)
 {
     std::size_t executed = 0;
@@ -85,7 +95,8 @@ void Interpreter::run(const Program& program)
                 m_line = cmd.line;
                 const auto row = static_cast<std::size_t>(cmd.line) - 1;
                 m_source = row < m_refs.size() ? m_refs[row] : ZRFlybySrcRef{-1, cmd.line};
-                if (++executed > ZRFlybyScript::kMostStatements)
+                executed += costOf(cmd);
+                if (executed > ZRFlybyScript::kMostStatements)
                     m_ended = !fail("Script produced too many frames.");
                 if (!m_ended)
                     execute(cmd);
@@ -96,7 +107,9 @@ void Interpreter::run(const Program& program)
 
 bool Interpreter::fail(std::string message)
 {
-    m_errors.push_back({m_line, std::move(message)});
+    // Every round of a block tells its errors anew; past so many only another kind is news.
+    if (m_errors.size() < ZRFlybyScript::kMostAlike || m_told.emplace(m_line, message).second)
+        m_errors.push_back({m_line, std::move(message)});
     return false;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "engine/flight/expression.h"
@@ -122,7 +124,8 @@ private:
     int m_setFps = 0;
     ZRFlybySrcRef m_source; ///< of the statement under way
     std::int32_t m_line = 0;
-    bool m_ended = false; ///< too long
+    bool m_ended = false;                                  ///< too long
+    std::set<std::pair<std::int32_t, std::string>> m_told; ///< errors, where there are many
 };
 
 } // namespace zre::script

@@ -111,6 +111,21 @@ TEST(FlybyScript, MessagesAndFrameCounts)
     EXPECT_EQ(errors, (std::vector<ZRFlybyError>{{0, "Internal: invalid source dimensions."}}));
 }
 
+TEST(FlybyScript, RoundsOfABlockDoNotPileUpTheirErrors)
+{
+    EXPECT_EQ(compile("repeat 400\nbad\nend").errors.size(), 400u);
+    const Compiled many = compile("repeat 1000000\nbad\nzoom $z\nend\nworse");
+    ASSERT_GE(many.errors.size(), ZRFlybyScript::kMostAlike);
+    EXPECT_LE(many.errors.size(), ZRFlybyScript::kMostAlike + 3);
+    EXPECT_EQ(many.errors[1], (ZRFlybyError{3, "Undefined variable $z"}));
+    EXPECT_EQ(many.errors.back().message, "Script produced too many frames.");
+    const Compiled late = compile("repeat 5000\nbad\nend\nworse 1");
+    EXPECT_EQ(late.errors.back(), (ZRFlybyError{4, "Unknown command 'worse'."}));
+    // Long statements end the work as early as many short ones.
+    const std::string sum(200000, '+');
+    EXPECT_EQ(compile("repeat 1000000\n$a = " + sum + "1\nend").errors.size(), 1u);
+}
+
 TEST(FlybyScript, CentresThatFitTheFrameAreKept)
 {
     const std::string text = "moveto: 1500 1096 2\nmoveto: 4500 1096 2";
