@@ -206,6 +206,9 @@ private:
     void zoomToPixels();
     void showStarTable() { m_starTable.showStarTable(); }
     void playFlyby();
+    void pausePlayback() { m_playback.onPauseClicked(); }
+    void previousFrame() { m_playback.step(-1); }
+    void nextFrame() { m_playback.step(1); }
     void showScriptEditor() { m_flybyScript.showScriptEditor(); }
     void pickColor(int row) { m_colorPick.pickColor(row); }
     void showPreferences() { m_preferences.showPreferences(); }

@@ -126,14 +126,13 @@ void PlaybackController::cancelPlaybackStart()
 
 void PlaybackController::playFrom(int frame)
 {
-    m_frame = frame;
     m_timer.setInterval(frameIntervalMs(playbackFps()));
     if (m_paused)
         m_timer.stop(); // a new interval has started it
     else
         m_timer.start();
     m_host.showStatus(m_paused ? QString(kPaused) : playingText());
-    onAnimTick();
+    showFrame(frame);
 }
 
 QString PlaybackController::playingText() const
@@ -145,8 +144,9 @@ QString PlaybackController::playingText() const
                                          "others are drawn as they come")
                                      .arg(built)
                                      .arg(all)
-                               : QString("%1 frames").arg(all);
-    return QString("%1  %2").arg(wordsOf(m_flyby).playing, cached);
+                               : QString(all == 1 ? "%1 frame" : "%1 frames").arg(all);
+    const QString text = QString("%1  %2").arg(wordsOf(m_flyby).playing, cached);
+    return m_builtInReason.isEmpty() ? text : QString("%1.  %2").arg(text, m_builtInReason);
 }
 
 bool PlaybackController::buildFrameCache(bool flyby)
@@ -159,7 +159,7 @@ bool PlaybackController::buildFrameCache(bool flyby)
         pipeline.setTrueColor(appcfg::starTrueColor());
         const FlybyOptions options{appcfg::ongoingFlybyWiggle(), appcfg::flybyContinuousLoop()};
         m_loops = !flyby || options.continuousLoop;
-        MotionInputs inputs = motionInputs(session, pipeline, flyby, options);
+        MotionInputs inputs = motionInputs(session, pipeline, flyby, options, &m_builtInReason);
         if (!inputs.depth) {
             m_cache.releaseFrames();
             stands = true;
@@ -206,6 +206,22 @@ void PlaybackController::onPlayClicked()
         (m_flyby ? m_actions.flyby : m_actions.wiggle)->setChecked(true);
 }
 
+void PlaybackController::onPauseClicked()
+{
+    if (m_active)
+        setPaused(!m_paused);
+}
+
+void PlaybackController::step(int frames)
+{
+    if (!m_active || m_host.isBusy() || m_cache.frames() == 0)
+        return;
+    if (!m_paused)
+        setPaused(true);
+    const int count = m_cache.frames();
+    showFrame(((m_frame + frames) % count + count) % count);
+}
+
 void PlaybackController::setPaused(bool paused)
 {
     m_paused = paused;
@@ -215,16 +231,20 @@ void PlaybackController::setPaused(bool paused)
     else
         m_timer.start();
     m_host.showStatus(paused ? QString(kPaused) : playingText());
+    if (!paused && !m_loops && m_frame == m_cache.frames() - 1 && !m_host.isBusy())
+        showFrame(0); // at its end there is nothing to go on with
 }
 
 void PlaybackController::onAnimTick()
 {
     if (m_host.isBusy() || m_cache.frames() == 0)
         return;
-    const int frame = m_frame % m_cache.frames();
-    const bool ends = !m_loops && frame == m_cache.frames() - 1;
-    showFrame(frame);
-    if (ends)
+    const int last = m_cache.frames() - 1;
+    if (m_frame < last)
+        showFrame(m_frame + 1);
+    else if (m_loops)
+        showFrame(0);
+    if (!m_loops && m_frame >= last)
         onStopClicked();
 }
 
@@ -235,7 +255,6 @@ void PlaybackController::showFrame(int frame)
         m_hooks.show(std::move(picture));
     m_frame = frame;
     updateTimeline();
-    m_frame = (frame + 1) % m_cache.frames();
 }
 
 void PlaybackController::updateTimeline()
@@ -257,8 +276,7 @@ bool PlaybackController::refreshPlayback()
         cancelPlaybackStart();
         return true;
     }
-    const int shown = (m_frame + m_cache.frames() - 1) % m_cache.frames();
-    playFrom(shown);
+    playFrom(m_frame % m_cache.frames());
     return true;
 }
 

@@ -47,6 +47,10 @@ public:
     void onStopClicked();
     /// Plays what was played last, or pauses, or goes on.
     void onPlayClicked();
+    /// Pauses or goes on; nothing while nothing plays.
+    void onPauseClicked();
+    /// Pauses and shows the frame so many frames on, round the end.
+    void step(int frames);
     void onAnimTick();
 
     bool isActive() const;
@@ -87,5 +91,6 @@ private:
     bool m_paused = false;
     bool m_dropping = false; ///< the actions are unchecked by what is under way
     bool m_loops = true;
-    int m_frame = 0; ///< to be shown next
+    int m_frame = 0;         ///< that is shown
+    QString m_builtInReason; ///< why the built-in flyby plays; empty when it does not
 };

@@ -24,13 +24,18 @@ static QToolButton* makeButton(const char* name, const char* toolTip, QWidget* p
     return button;
 }
 
-/// A label wide enough for `widest`, so that the timeline does not move as numbers grow.
+/// Makes the label wide enough for `widest`, so that the timeline does not move as numbers grow.
+static void reserve(QLabel& label, const QString& widest)
+{
+    label.setMinimumWidth(label.fontMetrics().horizontalAdvance(widest));
+}
+
 static QLabel* makeReadout(const char* name, const QString& widest, QWidget* parent)
 {
     auto* label = new QLabel(parent);
     label->setObjectName(name);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(widest));
+    reserve(*label, widest);
     return label;
 }
 
@@ -90,6 +95,10 @@ void TransportBar::updateTimeline(int frame, int count, int fps)
     m_timeline->setPageStep(qMax(1, count / 10));
     m_timeline->setValue(frame);
     m_frame->setText(count > 0 ? QString("%1 / %2").arg(frame + 1).arg(count) : QString());
+    if (const auto digits = static_cast<int>(QString::number(count).size()); digits != m_digits) {
+        m_digits = digits;
+        reserve(*m_frame, QString("%1 / %1").arg(QString(qMax(3, digits), '8')));
+    }
     m_rate->setText(count > 0 ? QString("%1 fps").arg(fps) : QString());
 }
 
@@ -106,6 +115,6 @@ void TransportBar::drawPlayButton()
     const bool dark = ThemeManager::instance().effectiveDark();
     const char* icon = toolbarIconFor(plays ? "pausePlayback" : "playWiggle");
     m_play->setIcon(ToolbarStyle::svgPixmap(icon, kIconSide, dark));
-    m_play->setToolTip(plays ? "Pause" : "Play");
-    m_play->setAccessibleName(m_play->toolTip());
+    m_play->setAccessibleName(plays ? "Pause" : "Play");
+    m_play->setToolTip(m_play->accessibleName() + (m_active ? " (K)" : ""));
 }

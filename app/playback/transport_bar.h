@@ -38,6 +38,7 @@ private:
     QSlider* m_timeline;
     QLabel* m_frame;
     QLabel* m_rate;
+    int m_digits = 0; ///< of the number of frames
     bool m_active = false;
     bool m_paused = false;
 };

@@ -8,6 +8,7 @@ struct Session;
 
 /// What the frames of the session's parallax motion, or of its flyby, are made of, up to date: the
 /// working image, the depth map and the stars of `pipeline`, which have to outlive the result and
-/// stay as they are. Without a source the images are null.
+/// stay as they are. Without a source the images are null. `builtInReason` (may be null) is what
+/// the user is told when the built-in flyby stands in for the session's script, else empty.
 MotionInputs motionInputs(const Session& session, RenderPipeline& pipeline, bool flyby,
-                          const FlybyOptions& options);
+                          const FlybyOptions& options, QString* builtInReason = nullptr);

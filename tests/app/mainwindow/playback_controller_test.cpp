@@ -1,10 +1,12 @@
 #include "app/mainwindow/playback_controller.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QSlider>
-#include <QToolButton>
+#include <QTest>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -69,52 +71,136 @@ struct Playing : testing::Test
         }
         return frames;
     }
-    void tick(int times)
+    void act(char deed)
     {
-        for (int i = 0; i < times; ++i)
-            playback.onAnimTick();
+        switch (deed) {
+        case 't':
+            return playback.onAnimTick();
+        case 'k':
+            return playback.onPauseClicked();
+        case '.':
+            return playback.step(1);
+        case ',':
+            return playback.step(-1);
+        case 'w':
+            return QTest::qWait(60); // seven frames of 120 a second
+        case 'c':
+            host.document.params.wiggleFps ^= 1; // shapes no frame
+            playback.refreshPlayback();
+            return;
+        case 'x':
+            return playback.onStopClicked();
+        default:
+            timeline().setSliderDown(true);
+            timeline().setValue(deed - '0');
+            timeline().setSliderDown(false);
+        }
+    }
+    /// Which of `frames` were shown, in order.
+    std::string numbers(const std::vector<QImage>& frames) const
+    {
+        std::string order;
+        for (const QImage& picture : shown) {
+            const auto match = std::find(frames.begin(), frames.end(), picture);
+            EXPECT_EQ(std::count(frames.begin(), frames.end(), picture), 1) << "told apart";
+            order += static_cast<char>('0' + (match - frames.begin()));
+        }
+        return order;
     }
     QString text(const char* label) { return bar.findChild<QLabel*>(label)->text(); }
     QSlider& timeline() { return *bar.findChild<QSlider*>(); }
 };
 
-TEST_F(Playing, TheParallaxMotionLoopsUntilItIsStopped)
+/// What the user does, a letter each: t a tick, k pause or resume, "." and "," a frame on and back,
+/// w a while in which a timer could tick, c a change of parameters, a digit the timeline dragged
+/// to that frame, x stop.
+struct Course
 {
-    const std::vector<QImage> frames = expected(false);
-    wiggle.setChecked(true); // the first frame comes at once
-    EXPECT_EQ(text("transport.frame"), "1 / 5");
-    EXPECT_EQ(text("transport.rate"), "40 fps");
-    EXPECT_TRUE(host.statuses.back().startsWith("Parallax motion playing..."));
-    tick(6);
-    ASSERT_EQ(shown.size(), 7u);
-    for (std::size_t i = 0; i < shown.size(); ++i)
-        EXPECT_EQ(shown[i], frames[i % kFrames]) << i;
-    EXPECT_EQ(timeline().value(), 1);
-    playback.onStopClicked();
-    EXPECT_FALSE(wiggle.isChecked());
-    EXPECT_EQ(stills, 1);
-    tick(3);
-    EXPECT_EQ(shown.size(), 7u) << "the frames are gone";
-    EXPECT_FALSE(timeline().isEnabled());
+    bool flyby;
+    bool loops;
+    const char* script;
+    const char* deeds;
+    const char* frames; ///< that are shown, the one at the start included
+    bool playsOn;
+};
+
+TEST_F(Playing, FramesComeInTheOrderThatTheUserSees)
+{
+    const char* five = "videofps 120\nzoom 1.5\nmoveto 36 24 5\n";
+    const char* one = "update\n";
+    const Course courses[] = {
+        {false, false, five, "tttttt", "0123401", true}, // the parallax motion always loops
+        {true, true, five, "tttttt", "0123401", true},
+        {true, false, five, "ttttttt", "01234", false},
+        {true, false, five, "tx", "01", false},
+        {true, false, one, "t", "0", false},
+        {true, true, one, "tt", "000", true},
+        {true, true, five, "tkw.w,,", "01210", true},
+        {true, false, five, ",.", "040", true},    // steps go round and pause
+        {true, false, five, "k,kt", "0401", true}, // nothing is left to go on with
+        {true, false, five, "k,c", "044", true},   // paused at the end it stays there
+        {true, false, five, "2tt", "0234", false},
+        {true, false, five, "4t", "04", false},
+        {true, true, five, "4t", "040", true},
+        {true, true, five, "kw4w", "04", true},
+    };
+    for (const Course& course : courses) {
+        const std::string name = course.script + std::string(course.deeds);
+        appcfg::setFlybyContinuousLoop(course.loops);
+        host.document.flybyScript = course.script;
+        shown.clear();
+        (course.flyby ? flyby : wiggle).setChecked(true);
+        const std::vector<QImage> frames = expected(course.flyby);
+        for (const char* deed = course.deeds; *deed; ++deed)
+            act(*deed);
+        EXPECT_EQ(numbers(frames), course.frames) << name;
+        EXPECT_EQ(playback.isActive(), course.playsOn) << name;
+        if (course.playsOn) {
+            const QString place = QString("%1 / %2").arg(timeline().value() + 1);
+            EXPECT_EQ(text("transport.frame"), place.arg(frames.size())) << name;
+        }
+        stills = 0;
+        const std::size_t before = shown.size();
+        playback.onStopClicked();
+        EXPECT_EQ(stills, course.playsOn ? 1 : 0) << name << ": the still view once";
+        act('t');
+        act('k');
+        act('.');
+        EXPECT_EQ(shown.size(), before) << "the frames are gone";
+        EXPECT_FALSE(timeline().isEnabled());
+    }
 }
 
-TEST_F(Playing, AFlybyEndsAtItsLastFrameUnlessItLoops)
+TEST_F(Playing, TheUserIsToldWhatPlays)
 {
-    const std::vector<QImage> frames = expected(true);
-    ASSERT_GE(frames.size(), 5u);
-    flyby.setChecked(true);
-    EXPECT_EQ(playback.playbackFps(), 12) << "by the script";
-    tick(static_cast<int>(frames.size()));
-    EXPECT_EQ(shown.back(), frames.front());
-    EXPECT_TRUE(flyby.isChecked());
-    playback.onStopClicked();
-
+    struct Row
+    {
+        bool flyby;
+        const char* script;
+        int fps;
+        const char* status;
+    };
+    const Row rows[] = {
+        {false, "", 40, "Parallax motion playing...  5 frames"},
+        {true, "videofps 12\nhold 3", 12, "Flyby playing...  3 frames"},
+        {true, "update", 40, "Flyby playing...  1 frame"},
+        {true, "", 24, "Flyby playing...  5 frames.  Empty - using the built-in flyby."},
+        {true, "fly", 24,
+         "Flyby playing...  5 frames.  Line 1: Unknown command 'fly'.  (using built-in)"},
+    };
     appcfg::setFlybyContinuousLoop(false);
-    shown.clear();
-    flyby.setChecked(true);
-    tick(20);
-    EXPECT_EQ(shown, expected(true)) << "each frame once, in order";
-    EXPECT_FALSE(flyby.isChecked());
+    for (const Row& row : rows) {
+        host.document.flybyScript = row.script;
+        (row.flyby ? flyby : wiggle).setChecked(true);
+        EXPECT_EQ(host.statuses.back(), row.status);
+        EXPECT_EQ(playback.playbackFps(), row.fps);
+        EXPECT_EQ(text("transport.rate"), QString("%1 fps").arg(row.fps));
+        playback.onPauseClicked();
+        EXPECT_EQ(host.statuses.back(), "Paused.");
+        playback.onPauseClicked();
+        EXPECT_EQ(host.statuses.back(), row.status);
+        playback.onStopClicked();
+    }
 }
 
 TEST_F(Playing, OneMotionTakesThePlaceOfTheOther)
@@ -134,7 +220,8 @@ TEST_F(Playing, OneMotionTakesThePlaceOfTheOther)
 TEST_F(Playing, AChangeOfParametersGoesOnWithNewFrames)
 {
     wiggle.setChecked(true);
-    tick(2);
+    act('t');
+    act('t');
     host.document.params.parallaxAmount += 9.0f;
     EXPECT_TRUE(playback.refreshPlayback());
     EXPECT_EQ(shown.back(), expected(false)[2]);
@@ -142,18 +229,6 @@ TEST_F(Playing, AChangeOfParametersGoesOnWithNewFrames)
     EXPECT_TRUE(playback.refreshPlayback());
     EXPECT_EQ(text("transport.frame"), "1 / 2");
     EXPECT_EQ(stills, 0);
-}
-
-TEST_F(Playing, TheTimelineShowsTheFrameUnderIt)
-{
-    const std::vector<QImage> frames = expected(false);
-    wiggle.setChecked(true);
-    bar.findChild<QToolButton*>("transport.play")->click();
-    timeline().setValue(3);
-    EXPECT_EQ(shown.back(), frames[3]);
-    EXPECT_EQ(text("transport.frame"), "4 / 5");
-    tick(1);
-    EXPECT_EQ(shown.back(), frames[4]) << "it goes on from there";
 }
 
 TEST_F(Playing, CancellingTheBuildIsAsIfNothingWasAskedFor)
