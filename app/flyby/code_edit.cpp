@@ -7,11 +7,13 @@
 #include <QCompleter>
 #include <QFontDatabase>
 #include <QHelpEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextBlock>
 #include <QToolTip>
+#include <QUrl>
 
 #include "app/flyby/script_completion.h"
 #include "app/prefs/theme_manager.h"
@@ -105,6 +107,7 @@ CodeEdit::CodeEdit(QWidget* parent)
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &CodeEdit::highlightCurrentLine);
     connect(&ThemeManager::instance(), &ThemeManager::themeChanged, this,
             &CodeEdit::highlightCurrentLine);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &CodeEdit::showMarks);
     updateMetrics();
     highlightCurrentLine();
 }
@@ -144,6 +147,7 @@ void CodeEdit::resizeEvent(QResizeEvent* event)
 {
     QPlainTextEdit::resizeEvent(event);
     updateGutterWidth(blockCount());
+    showMarks();
 }
 
 void CodeEdit::changeEvent(QEvent* event)
@@ -186,8 +190,16 @@ void CodeEdit::lineNumberAreaPaintEvent(QPaintEvent* event)
     }
 }
 
-/// The line of the cursor, and a wave below the lines that are wrong.
 void CodeEdit::highlightCurrentLine()
+{
+    showMarks();
+    const QTextCursor cursor = textCursor();
+    emit hintChanged(flybyscript::hintAt(cursor.block().text(), cursor.positionInBlock()));
+}
+
+/// The line of the cursor, and a wave below the lines that are wrong. Only those in view have one:
+/// the toolkit goes through them all at every turn.
+void CodeEdit::showMarks()
 {
     constexpr double kLineShare = 0.12;
     QList<QTextEdit::ExtraSelection> selections;
@@ -197,8 +209,11 @@ void CodeEdit::highlightCurrentLine()
     line.format.setProperty(QTextFormat::FullWidthSelection, true);
     line.cursor = textCursor();
     line.cursor.clearSelection();
-    selections << line;
-    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+    if (!document()->isEmpty()) // it would hide the first line of the placeholder
+        selections << line;
+    for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
+        if (blockBoundingGeometry(block).translated(contentOffset()).top() > viewport()->height())
+            break;
         if (!block.userData())
             continue;
         QTextEdit::ExtraSelection wave;
@@ -210,8 +225,6 @@ void CodeEdit::highlightCurrentLine()
     }
     setExtraSelections(selections);
     m_gutter->update();
-    const QTextCursor cursor = textCursor();
-    emit hintChanged(flybyscript::hintAt(cursor.block().text(), cursor.positionInBlock()));
 }
 
 void CodeEdit::setMarks(const std::map<int, QString>& messages)
@@ -220,7 +233,7 @@ void CodeEdit::setMarks(const std::map<int, QString>& messages)
         const auto message = messages.find(block.blockNumber() + 1);
         block.setUserData(message == messages.end() ? nullptr : new LineMark(message->second));
     }
-    highlightCurrentLine();
+    showMarks();
 }
 
 QString CodeEdit::markOf(int line) const
@@ -263,6 +276,15 @@ void CodeEdit::replaceText(const QString& text)
     cursor.select(QTextCursor::Document);
     cursor.insertText(text);
     moveCursor(QTextCursor::Start);
+}
+
+void CodeEdit::insertFromMimeData(const QMimeData* source)
+{
+    const QList<QUrl> urls = source->urls();
+    if (urls.size() == 1 && urls.front().isLocalFile())
+        emit fileDropped(urls.front().toLocalFile());
+    else
+        QPlainTextEdit::insertFromMimeData(source);
 }
 
 void CodeEdit::toggleComments()
@@ -319,14 +341,14 @@ void CodeEdit::complete(bool asked)
     const QString line = cursor.block().text();
     const int column = cursor.positionInBlock();
     const flybyscript::Completion completion =
-        flybyscript::completionAt(line, column, flybyscript::variablesOf(toPlainText()));
-    const QString word = line.mid(completion.start, column - completion.start);
+        flybyscript::completionAt(line, column, [this] { return toPlainText(); });
+    const QString typed = line.mid(completion.start, column - completion.start);
     m_wordStart = completion.start;
     m_candidates->setStringList(completion.candidates);
-    m_completer->setCompletionPrefix(word);
+    m_completer->setCompletionPrefix(typed);
     const QStringList fitting = offered();
-    const bool wordDone = fitting.contains(word, Qt::CaseInsensitive);
-    if (fitting.isEmpty() || (!asked && (word.size() < kLeastTyped || wordDone))) {
+    const bool wordDone = fitting.contains(typed, Qt::CaseInsensitive);
+    if (fitting.isEmpty() || (!asked && (typed.size() < kLeastTyped || wordDone))) {
         m_completer->popup()->hide();
         return;
     }
@@ -336,7 +358,9 @@ void CodeEdit::complete(bool asked)
     }
     QAbstractItemView* popup = m_completer->popup();
     popup->setCurrentIndex(m_completer->completionModel()->index(0, 0));
-    QRect place = cursorRect();
+    QTextCursor word = cursor;
+    word.setPosition(cursor.block().position() + completion.start);
+    QRect place = cursorRect(word);
     place.translate(viewportMargins().left(), 0);
     place.setWidth(popup->sizeHintForColumn(0) + popup->verticalScrollBar()->sizeHint().width());
     m_completer->complete(place);

@@ -60,11 +60,14 @@ public:
 signals:
     /// How the command under the cursor is used.
     void hintChanged(const QString& hint);
+    /// A file was dropped or pasted in the place of a text.
+    void fileDropped(const QString& path);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
 
 private slots:
     void updateGutterWidth(int blockCount);
@@ -75,6 +78,7 @@ private:
     bool completing() const;
     void insertCompletion(const QString& candidate);
     void updateMetrics();
+    void showMarks();
 
     Gutter* m_gutter; ///< children, as the next two
     QCompleter* m_completer;

@@ -18,13 +18,13 @@ struct Shade
 
 struct PatternRow
 {
-    const char* pattern; ///< one rule for each word where it has a place for it
+    const char* pattern; ///< with a place for the commands, or none
     Shade onDark;
     Shade onLight;
 };
 
 constexpr std::array kPatterns{
-    PatternRow{"\\b%1\\b", {120, 190, 255}, {20, 90, 170}},
+    PatternRow{"\\b(?:%1)\\b", {120, 190, 255}, {20, 90, 170}},
     PatternRow{"\\b[A-Za-z_]+(?==)", {200, 160, 90}, {140, 85, 10}},
     PatternRow{"\\b\\d+(\\.\\d+)?\\b", {180, 220, 150}, {40, 110, 45}},
     PatternRow{"#[^\n]*", {120, 130, 120}, {105, 115, 105}},
@@ -45,19 +45,17 @@ FlybyHighlighter::FlybyHighlighter(QTextDocument* document)
 void FlybyHighlighter::buildRules()
 {
     const bool dark = ThemeManager::instance().effectiveDark();
+    QStringList words;
+    for (const flybyscript::Word& word : flybyscript::kWords)
+        if (word.colored)
+            words << word.word;
     m_rules.clear();
     for (const PatternRow& row : kPatterns) {
         const Shade& shade = dark ? row.onDark : row.onLight;
         QTextCharFormat format;
         format.setForeground(QColor(shade.red, shade.green, shade.blue));
-        const QString pattern(row.pattern);
-        if (!pattern.contains("%1")) {
-            m_rules.push_back({QRegularExpression(pattern), format});
-            continue;
-        }
-        for (const flybyscript::Word& word : flybyscript::kWords)
-            if (word.colored)
-                m_rules.push_back({QRegularExpression(pattern.arg(word.word)), format});
+        const QString pattern = QString(row.pattern).replace("%1", words.join('|'));
+        m_rules.push_back({QRegularExpression(pattern), format});
     }
 }
 

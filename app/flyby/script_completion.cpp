@@ -3,6 +3,7 @@
 #include <span>
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include "app/flyby/script_words.h"
 
@@ -117,7 +118,7 @@ const Word* findWord(const QString& command)
 
 } // namespace
 
-Completion completionAt(const QString& line, int column, const QStringList& variables)
+Completion completionAt(const QString& line, int column, const std::function<QString()>& script)
 {
     const Before place = before(line, column);
     Completion completion{place.start, {}};
@@ -126,7 +127,7 @@ Completion completionAt(const QString& line, int column, const QStringList& vari
     const QString command = place.words.value(0).toLower();
     const bool drawn = !parametersOf(command).empty();
     if (line.mid(place.start, 1) == "$")
-        completion.candidates = drawn ? QStringList() : variableNames(variables);
+        completion.candidates = drawn ? QStringList() : variableNames(variablesOf(script()));
     else if (place.words.isEmpty())
         completion.candidates = commands();
     else if (drawn)
@@ -167,11 +168,14 @@ QStringList variablesOf(const QString& script)
     static const QRegularExpression kAssignment("^[ \\t]*\\$([A-Za-z_]\\w*)[ \\t]*=",
                                                 QRegularExpression::MultilineOption);
     QStringList names;
+    QSet<QString> known;
     auto matches = kAssignment.globalMatch(script);
     while (matches.hasNext()) {
         const QString name = matches.next().captured(1).toLower();
-        if (!names.contains(name))
-            names << name;
+        if (known.contains(name))
+            continue;
+        known << name;
+        names << name;
     }
     return names;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 #include <QStringList>
 
@@ -13,8 +15,9 @@ struct Completion
 };
 
 /// What may be written at `column` of `line`: a command at its start, then a name or a value of a
-/// line of a drawn path, an ease or a variable. `variables` are those of the script, without "$".
-Completion completionAt(const QString& line, int column, const QStringList& variables);
+/// line of a drawn path, an ease or a variable. `script` is asked for only where its variables may
+/// stand, as it can be long.
+Completion completionAt(const QString& line, int column, const std::function<QString()>& script);
 
 /// What follows a candidate that was taken over.
 QString tailOf(const QString& candidate);

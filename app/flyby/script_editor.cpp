@@ -4,13 +4,10 @@
 #include <utility>
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -22,24 +19,12 @@
 #include "app/persist/appcfg.h"
 #include "app/prefs/theme_manager.h"
 
-static constexpr const char* kFilter =
-    "Zerrith script (*.zrsc);;Flyby script (*.txt *.flyby);;All files (*)";
-static constexpr const char* kDialog = appcfg::kSettings.scriptDialog.key;
 static constexpr const char* kPlaceholder = "# Flyby camera script\n"
                                             "#   moveto: x y frames\n"
                                             "#   flyto:  x y frames away\n"
                                             "#   flyin:  x y frames zoom away\n"
                                             "#   zoomto: zoom frames\n"
                                             "# Empty = the built-in push-in loop.";
-
-/// The path that a file dialog was left with; at first one in the work folder.
-static QString startPath(const QString& suggestedName)
-{
-    const QString last = appcfg::lastDialogPath(kDialog);
-    return last.isEmpty()
-               ? appcfg::dialogStartPath(kDialog, suggestedName, appcfg::Preferred::WorkFolder)
-               : last;
-}
 
 ScriptEditor::ScriptEditor(ScriptFileQuestions questions, QWidget* parent)
     : QDialog(parent)
@@ -67,7 +52,14 @@ ScriptEditor::ScriptEditor(ScriptFileQuestions questions, QWidget* parent)
     m_delay->setSingleShot(true);
     connect(m_delay, &QTimer::timeout, this, &ScriptEditor::refreshStatus);
     connect(m_edit, &QPlainTextEdit::textChanged, this, &ScriptEditor::onTextChanged);
-    connect(m_edit, &CodeEdit::hintChanged, m_hint, &QLabel::setText);
+    connect(m_edit, &CodeEdit::fileDropped, this, &ScriptEditor::loadFile,
+            Qt::QueuedConnection); // not amid the drop
+    const auto showHint = [this](const QString& hint) {
+        m_hint->setText(hint.isEmpty() ? tr("Ctrl+Space completes; F1 tells all commands and keys.")
+                                       : hint);
+    };
+    showHint({});
+    connect(m_edit, &CodeEdit::hintChanged, m_hint, showHint);
     connect(m_edit->document(), &QTextDocument::modificationChanged, this,
             &QWidget::setWindowModified);
     const auto showHintMuted = [this] {
@@ -158,8 +150,10 @@ void ScriptEditor::addShortcuts()
 
 void ScriptEditor::setScript(const QString& text)
 {
+    const bool onlyHere = m_onlyHere;
     if (text != scriptText())
         m_edit->replaceText(text);
+    m_onlyHere = onlyHere;
     markSaved();
     refreshStatus();
 }
@@ -201,6 +195,7 @@ void ScriptEditor::onTextChanged()
 {
     constexpr qint64 kUnnoticedMs = 20;
     constexpr int kPauseMs = 250;
+    m_onlyHere = true;
     if (m_lastMilliseconds > kUnnoticedMs)
         m_delay->start(kPauseMs);
     else
@@ -217,7 +212,8 @@ void ScriptEditor::refreshStatus()
     m_statusLabel->setText(m_status.text);
     const bool jumps = !m_status.complaints.empty();
     m_statusLabel->setCursor(jumps ? Qt::PointingHandCursor : Qt::ArrowCursor);
-    m_statusLabel->setToolTip(jumps ? tr("Click to go to the line; F8 goes to the next one.")
+    m_statusLabel->setToolTip(jumps ? tr("Click to go to line %1; F8 goes from one to the next.")
+                                          .arg(m_status.complaints.front().line)
                                     : QString());
     std::map<int, QString> marks;
     for (const ScriptStatus::Complaint& complaint : m_status.complaints) {
@@ -235,47 +231,41 @@ void ScriptEditor::goToComplaint()
 
 void ScriptEditor::loadScript()
 {
-    constexpr qint64 kLargestBytes = 16 << 20;
-    const QString path = m_questions.openFile(tr("Load Flyby Script"), startPath({}), kFilter);
-    if (path.isEmpty())
-        return;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || file.size() > kLargestBytes) {
-        showStatus(tr("Could not read: ") + path);
-        return;
-    }
-    const QByteArray bytes = file.read(kLargestBytes);
-    if (file.error() != QFileDevice::NoError) {
-        showStatus(tr("Could not read: ") + path);
-        return;
-    }
-    setScript(QString::fromUtf8(bytes));
-    appcfg::rememberDialogPath(kDialog, path);
-    emit fileUsed(path);
+    const QString path = flybyscript::askScriptToLoad(m_questions.openFile);
+    if (!path.isEmpty())
+        loadFile(path);
 }
 
-void ScriptEditor::saveScript()
+void ScriptEditor::loadFile(const QString& path)
 {
-    const QString title = tr("Save Flyby Script");
-    QString path = m_questions.saveFile(title, startPath("flyby.zrsc"), kFilter);
-    if (path.isEmpty())
+    const std::optional<QString> text = flybyscript::readScript(path);
+    if (!text) {
+        showStatus(tr("Could not read: ") + path);
         return;
-    if (QFileInfo(path).suffix().isEmpty()) {
-        path += ".zrsc";
-        if (QFileInfo::exists(path)) // the user agreed to overwrite another one
-            path = m_questions.saveFile(title, path, kFilter);
-        if (path.isEmpty())
-            return;
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(scriptText().toUtf8()) < 0 ||
-        !file.commit()) {
+    setScript(*text);
+    fileHolds(path);
+}
+
+bool ScriptEditor::saveScript()
+{
+    const QString path = flybyscript::askWhereToSave(m_questions.saveFile, "flyby.zrsc");
+    if (path.isEmpty())
+        return false;
+    if (!flybyscript::writeScript(path, scriptText())) {
         showStatus(tr("Could not write: ") + path);
-        return;
+        return false;
     }
     markSaved();
-    appcfg::rememberDialogPath(kDialog, path);
     showStatus(tr("Saved to ") + path);
+    fileHolds(path);
+    return true;
+}
+
+void ScriptEditor::fileHolds(const QString& path)
+{
+    markStored();
+    appcfg::rememberDialogPath(appcfg::kSettings.scriptDialog.key, path);
     emit fileUsed(path);
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <functional>
-
 #include <QDialog>
 
+#include "app/flyby/script_file.h"
 #include "app/flyby/script_status.h"
 
 class CodeEdit;
@@ -13,13 +12,11 @@ class QPushButton;
 class QTimer;
 class ScriptReference;
 
-/// The questions for files that the editor passes on; an answer is empty when the user cancels.
+/// The questions for files that the editor passes on.
 struct ScriptFileQuestions
 {
-    using Ask =
-        std::function<QString(const QString& title, const QString& startAt, const QString& filter)>;
-    Ask openFile;
-    Ask saveFile;
+    flybyscript::AskFile openFile;
+    flybyscript::AskFile saveFile;
 };
 
 /// The window "Flyby Script Editor": the text of a flight, what the compiler says of it, and the
@@ -42,6 +39,12 @@ public:
     bool isEdited() const;
     /// The text is safe: applied or saved.
     void markSaved();
+    /// The user wrote something that no file holds yet.
+    bool isOnlyHere() const { return m_onlyHere && !scriptText().trimmed().isEmpty(); }
+    /// A file holds the text, or it can be had again as it is.
+    void markStored() { m_onlyHere = false; }
+    /// Asks where and saves; whether the text is in a file now.
+    bool saveScript();
     /// What became of the text, in place of what the compiler says, until the next change.
     void showStatus(const QString& text);
 
@@ -63,7 +66,8 @@ private:
     void refreshStatus();
     void goToComplaint();
     void loadScript();
-    void saveScript();
+    void loadFile(const QString& path);
+    void fileHolds(const QString& path);
     void apply(bool play);
     void showReference();
 
@@ -78,4 +82,5 @@ private:
     QTimer* m_delay;
     ScriptReference* m_reference = nullptr; ///< made when first shown
     qint64 m_lastMilliseconds = 0;          ///< that the last refresh of the status took
+    bool m_onlyHere = false;                ///< written by the user, and in no file
 };

@@ -61,6 +61,29 @@ QString parametersOf(const char* line, std::span<const std::string_view> names)
     return QString("<h4>The parameters of %1</h4><table>%2</table>").arg(line, rows);
 }
 
+struct Key
+{
+    const char* keys;
+    const char* what;
+};
+
+constexpr std::array kKeys{
+    Key{"Ctrl+Space", "offers what may stand at the cursor; Return or Tab takes it over"},
+    Key{"Ctrl+/", "makes comments of the lines selected, or code again"},
+    Key{"F8", "goes to the next line with an error"},
+    Key{"Ctrl+F, F3, Shift+F3", "find, the next, the previous"},
+    Key{"Ctrl+Return, F5", "applies the script; applies and plays it"},
+    Key{"Ctrl+O, Ctrl+S", "load and save; a file dropped on the text is loaded, too"},
+};
+
+QString keys()
+{
+    QString rows;
+    for (const Key& key : kKeys)
+        rows += row(escaped(key.keys), escaped(key.what));
+    return "<h4>Keys of the editor</h4><table>" + rows + "</table>";
+}
+
 QString variables()
 {
     QString rows;
@@ -86,7 +109,7 @@ QString scriptReferenceText()
             "<p><code>$name = expression</code> sets a variable of your own. An argument may be an "
             "expression of numbers, variables, + - * / and parentheses, without blanks: "
             "<code>moveto: $centerx+200 $centery 48</code></p>";
-    return text + variables();
+    return text + variables() + keys();
 }
 
 ScriptReference::ScriptReference(QWidget* parent)

@@ -34,7 +34,7 @@ inline constexpr std::array kWords{
          "Moves to x, y while the depth warp goes to away percent.", WordKind::Camera},
     Word{"flyin", "x y frames zoom away [roll]",
          "Moves to x, y and zooms while the depth warp goes to away percent.", WordKind::Camera},
-    Word{"zoomto", "zoom frames [roll]", "Zooms to 0.05 to 32 times where the view is.",
+    Word{"zoomto", "zoom frames [roll]", "Zooms where the view is, to a zoom of 0.05 to 32.",
          WordKind::Camera},
     Word{"rotate", "degrees frames", "Turns the view by so many degrees.", WordKind::Camera, false},
     Word{"hold", "frames", "Rests for so many frames.", WordKind::Camera},

@@ -312,6 +312,8 @@ void DocumentController::install(const Opening& opening, Session loaded, bool ca
     else
         startFresh(session);
     session.installImagesOf(std::move(loaded));
+    if (session.flybyScriptSize.isEmpty()) // written before there was an image
+        session.flybyScriptSize = sizeOf(session.source);
     m_host.stageStatus(kPreparingPercent, "Rendering...");
     m_host.documentReplaced();
     m_host.showStatus(openedText(session));

@@ -2,12 +2,11 @@
 
 #include <utility>
 
-#include <QFile>
 #include <QFileInfo>
 #include <QMenu>
-#include <QSaveFile>
 
 #include "app/flyby/flyby_examples.h"
+#include "app/flyby/script_file.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/persist/appcfg.h"
@@ -15,13 +14,6 @@
 #include "app/session/carry_over.h"
 #include "app/session/flyby_path.h"
 #include "app/session/session.h"
-
-static constexpr const char* kDialog = appcfg::kSettings.scriptDialog.key;
-static constexpr const char* kFilter =
-    "Zerrith script (*.zrsc);;Flyby script (*.txt *.flyby);;All files (*)";
-static constexpr const char* kLoadTitle = "Load Flyby Script";
-static constexpr const char* kSaveTitle = "Save Flyby Script";
-static constexpr qint64 kLargestScript = 4 << 20; // bytes
 
 static QSize sizeOfSource(const Session& session)
 {
@@ -48,6 +40,7 @@ void FlybyController::applyScript(const QString& script)
     Session& session = m_host.session();
     session.flybyScript = script;
     session.flybyScriptSize = sizeOfSource(session);
+    m_hooks.scriptReplaced();
     m_hooks.pathChanged(); // what plays says so, too
     m_host.showStatus(compileText());
 }
@@ -56,8 +49,10 @@ void FlybyController::loadScript()
 {
     if (m_host.isBusy() || !m_host.session().hasSource())
         return;
-    const QString path = m_host.prompter().openFile(
-        kLoadTitle, appcfg::dialogStartPath(kDialog, {}, appcfg::Preferred::LastUsed), kFilter);
+    Prompter& prompter = m_host.prompter();
+    const QString path = flybyscript::askScriptToLoad([&](const auto&... question) { //
+        return prompter.openFile(question...);
+    });
     if (!path.isEmpty())
         loadScriptFile(path);
 }
@@ -66,20 +61,21 @@ bool FlybyController::loadScriptFile(const QString& path)
 {
     if (m_host.isBusy() || !m_host.session().hasSource())
         return false;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > kLargestScript) {
-        m_host.prompter().warn(kLoadTitle, "Could not read: " + path);
+    const std::optional<QString> text = flybyscript::readScript(path);
+    if (!text) {
+        m_host.prompter().warn(flybyscript::kLoadTitle, "Could not read: " + path);
         return false;
     }
-    const QByteArray text = file.read(kLargestScript); // a device may hold more than it says
-    if (file.error() != QFileDevice::NoError) {
-        m_host.prompter().warn(kLoadTitle, "Could not read: " + path);
-        return false;
-    }
-    applyScript(QString::fromUtf8(text));
-    appcfg::rememberDialogPath(kDialog, path);
-    recent::pushFile(appcfg::RecentCategory::Scripts, path);
+    applyScript(*text);
+    remember(path);
     return true;
+}
+
+void FlybyController::remember(const QString& path)
+{
+    appcfg::rememberDialogPath(appcfg::kSettings.scriptDialog.key, path);
+    recent::pushFile(appcfg::RecentCategory::Scripts, path);
+    m_hooks.scriptStored(m_host.session().flybyScript);
 }
 
 void FlybyController::saveScript()
@@ -90,23 +86,17 @@ void FlybyController::saveScript()
         return;
     }
     const QString base = QFileInfo(session.sourcePath).completeBaseName();
-    QString path = m_host.prompter().saveFile(
-        kSaveTitle,
-        appcfg::dialogStartPath(kDialog, (base.isEmpty() ? QString("flyby") : base) + ".zrsc",
-                                appcfg::Preferred::LastUsed),
-        kFilter);
+    Prompter& prompter = m_host.prompter();
+    const QString path = flybyscript::askWhereToSave(
+        [&](const auto&... question) { return prompter.saveFile(question...); },
+        (base.isEmpty() ? QString("flyby") : base) + ".zrsc");
     if (path.isEmpty())
         return;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += ".zrsc";
-    const QByteArray text = session.flybyScript.toUtf8();
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        m_host.prompter().warn(kSaveTitle, "Could not write: " + path);
+    if (!flybyscript::writeScript(path, session.flybyScript)) {
+        prompter.warn(flybyscript::kSaveTitle, "Could not write: " + path);
         return;
     }
-    appcfg::rememberDialogPath(kDialog, path);
-    recent::pushFile(appcfg::RecentCategory::Scripts, path);
+    remember(path);
     m_host.showStatus("Saved to " + path);
 }
 
@@ -116,6 +106,10 @@ void FlybyController::rescaleFlybyScript()
     if (session.flybyScript.trimmed().isEmpty()) {
         m_host.showStatus("There is no flyby path to rescale yet. Author a path first (Flyby "
                           "editor).");
+        return;
+    }
+    if (!hasPixelPath(session)) {
+        m_host.showStatus("A 3D flight has no coordinates in pixels to rescale.");
         return;
     }
     const std::optional<Rescale> asked =
@@ -135,8 +129,10 @@ void FlybyController::buildExamplesMenu(QMenu& menu)
 {
     for (const FlybyExample& example : kFlybyExamples)
         menu.addAction(example.title, [this, &example] {
-            if (!m_host.isBusy() && m_host.session().hasSource())
-                applyScript(flybyExampleScript(example, sizeOfSource(m_host.session())));
+            if (m_host.isBusy() || !m_host.session().hasSource())
+                return;
+            applyScript(flybyExampleScript(example, sizeOfSource(m_host.session())));
+            m_hooks.scriptStored(m_host.session().flybyScript); // the menu has it again
         });
 }
 

@@ -27,6 +27,10 @@ public:
         std::function<std::optional<Rescale>(const Rescale& suggested)> askRescale;
         /// The path of the flyby is another one now.
         std::function<void()> pathChanged;
+        /// The user has put another script into the session.
+        std::function<void()> scriptReplaced;
+        /// A file holds this script, or it can be had again as it is.
+        std::function<void(const QString& script)> scriptStored;
     };
 
     FlybyController(ShellHost& host, Hooks hooks);
@@ -51,6 +55,7 @@ public:
 
 private:
     QString compileText() const;
+    void remember(const QString& path);
 
     ShellHost& m_host;
     Hooks m_hooks;

@@ -1,5 +1,6 @@
 #include "app/mainwindow/flyby_script_controller.h"
 
+#include <optional>
 #include <utility>
 
 #include <QWidget>
@@ -59,6 +60,16 @@ void FlybyScriptController::closeScriptEditor()
         m_editor->close();
 }
 
+bool FlybyScriptController::mayClose()
+{
+    if (!m_editor || !m_editor->isOnlyHere())
+        return true;
+    const std::optional<int> choice = m_host.prompter().choose(
+        "Flyby Script", "The flyby script is in no file yet and goes with the window.",
+        {"Save...", "Close Without Saving"});
+    return choice == 0 ? m_editor->saveScript() : choice.has_value();
+}
+
 void FlybyScriptController::showContext()
 {
     const Session& session = m_host.session();
@@ -70,8 +81,16 @@ void FlybyScriptController::showContext()
 
 void FlybyScriptController::showDocumentScript()
 {
+    if (!m_editor)
+        return;
     m_shown = m_host.session().flybyScript;
     m_editor->setScript(m_shown);
+}
+
+void FlybyScriptController::noteStored(const QString& script)
+{
+    if (m_editor && m_editor->scriptText() == script)
+        m_editor->markStored();
 }
 
 void FlybyScriptController::refresh()
@@ -88,8 +107,10 @@ void FlybyScriptController::refresh()
 
 void FlybyScriptController::apply(const QString& text, bool play)
 {
-    if (m_host.isBusy())
+    if (m_host.isBusy()) {
+        m_editor->showStatus("Busy - try again when the work is done.");
         return;
+    }
     Session& session = m_host.session();
     session.flybyScript = m_shown = text;
     session.flybyScriptSize = QSize(session.source.width, session.source.height);

@@ -23,14 +23,20 @@ public:
     /// Opens the editor with the document's script, or brings it to the front.
     void showScriptEditor();
     void closeScriptEditor();
+    /// Asks about a script of the user's that no file holds; false when the window has to stay.
+    bool mayClose();
     /// The document, its size or its frame rate may be another: an open editor follows. A text that
     /// was not applied stays.
     void refresh();
+    /// The user put another script into the document: the editor shows it in place of its text,
+    /// which can be undone.
+    void showDocumentScript();
+    /// `script` need not be asked about when the window closes.
+    void noteStored(const QString& script);
 
 private:
     void buildEditor();
     void showContext();
-    void showDocumentScript();
     void apply(const QString& text, bool play);
 
     ShellHost& m_host;

@@ -62,7 +62,9 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
                       [this] {
                           m_flybyScript.refresh();
                           refreshPlayback();
-                      }})
+                      },
+                      [this] { m_flybyScript.showDocumentScript(); },
+                      [this](const QString& script) { m_flybyScript.noteStored(script); }})
     , m_recent(*this, opener(&MainWindow::loadImageFromPath), pairOpener(),
                opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
                opener(&MainWindow::loadFlybyScriptFile))
@@ -451,7 +453,7 @@ bool MainWindow::busyRun(const std::function<void()>& work)
 // The work under way would go on in a window that is gone.
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(!m_busy.active());
+    event->setAccepted(!m_busy.active() && m_flybyScript.mayClose());
     if (!event->isAccepted())
         return;
     m_starTable.closeStarTable();

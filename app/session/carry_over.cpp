@@ -5,11 +5,18 @@
 #include <utility>
 
 #include "app/session/session.h"
+#include "engine/flight/flight3d_path.h"
 #include "engine/flight/flyby_script.h"
 #include "engine/image/raster.h"
 
 static constexpr double kLargestAspectChange = 0.01;
 static constexpr int kSmallestFrameSide = 16;
+
+bool hasPixelPath(const Session& session)
+{
+    return !session.flybyScript.trimmed().isEmpty() &&
+           !zre::isFlight3DScript(session.flybyScript.toStdString());
+}
 
 QStringList losableItems(const Session& session)
 {
@@ -22,7 +29,7 @@ QStringList losableItems(const Session& session)
 QStringList carryableItems(const Session& session)
 {
     QStringList items = losableItems(session);
-    if (!session.flybyScript.trimmed().isEmpty())
+    if (hasPixelPath(session))
         items << "the flyby path, rescaled to the new pixel size";
     return items;
 }
@@ -85,15 +92,16 @@ void rescaleFlybyPath(Session& session, QSize oldSize, QSize newSize)
 {
     if (session.flybyScript.isEmpty() || oldSize.isEmpty() || newSize.isEmpty())
         return;
-    session.flybyScript = QString::fromStdString(zre::scaleFlybyScriptCoords(
-        session.flybyScript.toStdString(), double(newSize.width()) / oldSize.width(),
-        double(newSize.height()) / oldSize.height()));
+    if (hasPixelPath(session))
+        session.flybyScript = QString::fromStdString(zre::scaleFlybyScriptCoords(
+            session.flybyScript.toStdString(), double(newSize.width()) / oldSize.width(),
+            double(newSize.height()) / oldSize.height()));
     session.flybyScriptSize = newSize;
 }
 
 bool flybyPathMisfits(const Session& session, QSize image)
 {
-    return !session.flybyScript.trimmed().isEmpty() && !session.flybyScriptSize.isEmpty() &&
+    return hasPixelPath(session) && !session.flybyScriptSize.isEmpty() &&
            session.flybyScriptSize != image;
 }
 

@@ -5,6 +5,10 @@
 
 struct Session;
 
+/// Whether the session has a flyby path whose coordinates are pixels of the image; those of a
+/// flight through space are not.
+bool hasPixelPath(const Session& session);
+
 /// What of a session can go on with a new image of the same proportions, one line for each.
 QStringList carryableItems(const Session& session);
 

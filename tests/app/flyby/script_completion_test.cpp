@@ -41,7 +41,8 @@ TEST(Completion, OffersWhatMayStandAtTheCursor)
         QString line(each.line);
         const auto column = static_cast<int>(line.indexOf('|'));
         line.remove('|');
-        const Completion completion = completionAt(line, column, {"mine"});
+        const Completion completion =
+            completionAt(line, column, [] { return QString("$mine = 1"); });
         EXPECT_EQ(completion.start, each.start) << each.line;
         EXPECT_EQ(completion.candidates.isEmpty(), !*each.offered) << each.line;
         EXPECT_TRUE(!*each.offered || completion.candidates.contains(each.offered)) << each.line;

@@ -25,6 +25,8 @@ struct Flybys : testing::Test
     const PrivateSettings own;
     FakeHost host;
     int moved = 0;
+    int replaced = 0;
+    QStringList stored;
     std::optional<FlybyController::Rescale> suggested;
     std::optional<FlybyController::Rescale> answer;
     FlybyController flybys{host,
@@ -32,7 +34,8 @@ struct Flybys : testing::Test
                                 suggested = known;
                                 return answer;
                             },
-                            [this] { ++moved; }}};
+                            [this] { ++moved; }, [this] { ++replaced; },
+                            [this](const QString& text) { stored << text; }}};
 
     void SetUp() override
     {
@@ -60,6 +63,8 @@ TEST_F(Flybys, AScriptIsSavedAndComesBack)
     EXPECT_EQ(recent::entries(appcfg::RecentCategory::Scripts), QStringList(scratch("path.zrsc")));
     EXPECT_EQ(appcfg::lastDialogPath("lastScriptPath"), scratch("path.zrsc"));
     EXPECT_EQ(moved, 2);
+    EXPECT_EQ(replaced, 2);
+    EXPECT_EQ(stored, QStringList({saved, saved})) << "on saving and on loading";
 }
 
 TEST_F(Flybys, WhatCannotBeReadOrCompiledIsTold)
@@ -69,7 +74,7 @@ TEST_F(Flybys, WhatCannotBeReadOrCompiledIsTold)
     EXPECT_EQ(host.script.warned.size(), 1);
     QFile huge(scratch("huge.zrsc"));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(huge.resize(5 << 20));
+    ASSERT_TRUE(huge.resize((16 << 20) + 1));
     EXPECT_FALSE(flybys.loadScriptFile(huge.fileName()));
     EXPECT_EQ(script(), "hold 3");
     flybys.applyScript("hold 2\nfly away\nhold -1\n");
@@ -98,6 +103,10 @@ TEST_F(Flybys, CoordinatesFollowTheSizesThatTheUserGives)
     EXPECT_EQ(script(), "moveto 20 30 5");
     EXPECT_EQ(host.document.flybyScriptSize, QSize(120, 60));
     EXPECT_EQ(host.statuses.back(), "Flyby coordinates rescaled 60x40 -> 120x60.");
+    script() = "path_start mode=3d x=1";
+    flybys.rescaleFlybyScript();
+    EXPECT_EQ(script(), "path_start mode=3d x=1");
+    EXPECT_TRUE(host.statuses.back().startsWith("A 3D flight")) << "it lies in space";
 }
 
 TEST_F(Flybys, AnExampleFitsThePicture)

@@ -62,6 +62,13 @@ TEST(CarryOver, AtTwiceTheSizeTheMapDoublesAndTheFrameFollows)
     EXPECT_EQ(session.flybyScript, "moveto 10 20 5") << "the user is asked about it";
     EXPECT_FALSE(session.externalDepth.usable());
     EXPECT_TRUE(session.params.starErasures.empty());
+
+    session.flybyScriptSize = {600, 400};
+    EXPECT_TRUE(flybyPathMisfits(session, {60, 40}));
+    session.flybyScript = "path_start mode=3d x=10 y=20";
+    EXPECT_FALSE(flybyPathMisfits(session, {60, 40})) << "not of pixels";
+    rescaleSession(session, {600, 400}, {60, 40});
+    EXPECT_EQ(session.flybyScript, "path_start mode=3d x=10 y=20");
 }
 
 TEST(CarryOver, FrameSidesRoundToTheNearestAndKeepTheirLimits)
