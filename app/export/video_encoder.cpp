@@ -47,13 +47,11 @@ public:
         if (!rendered)
             return failed(m_renderError);
         if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
-            return failed(QString("ffmpeg exited with code %1.\n\n%2")
-                              .arg(m_process.exitCode())
-                              .arg(lastWords()));
+            return failedIn(QString("ffmpeg exited with code %1.").arg(m_process.exitCode()));
         if (written == VideoEnd::Failed || m_process.error() == QProcess::WriteError ||
             !QFileInfo::exists(m_staged))
-            return failed("ffmpeg ended before the last frame.\n\n" + lastWords());
-        return {VideoEnd::Done, {}};
+            return failedIn("ffmpeg ended before the last frame.");
+        return {VideoEnd::Done, {}, {}};
     }
 
 private:
@@ -68,6 +66,8 @@ private:
 
     VideoEnd writeFrames()
     {
+        if (m_job.frames < 1)
+            return VideoEnd::Done;
         const int window = frameBatch(m_job.packed, m_job.frames);
         FrameFarm farm({m_job.frames, FrameFarm::threadsFor(window), window}, m_job.render);
         while (m_done < m_job.frames) {
@@ -147,13 +147,20 @@ private:
     VideoResult cancel()
     {
         end();
-        return {VideoEnd::Canceled, {}};
+        return {VideoEnd::Canceled, {}, {}};
     }
 
     VideoResult failed(const QString& why)
     {
         end();
-        return {VideoEnd::Failed, why};
+        return {VideoEnd::Failed, why, {}};
+    }
+
+    VideoResult failedIn(const QString& why)
+    {
+        VideoResult result = failed(why + "\n\n" + lastWords());
+        result.said = lastWords();
+        return result;
     }
 
     void end()
@@ -183,7 +190,7 @@ VideoResult encodeVideo(const VideoJob& job,
     const QFileInfo target(job.path);
     QTemporaryDir staging(target.absoluteDir().filePath(".zrvideo-XXXXXX"));
     if (!staging.isValid())
-        return {VideoEnd::Failed, "Could not write:\n" + job.path};
+        return {VideoEnd::Failed, "Could not write:\n" + job.path, {}};
     const QString staged = staging.filePath("video." + target.suffix());
     VideoResult result = Encoding(job, goesOn, staged).run();
     if (result.end != VideoEnd::Done)
@@ -191,6 +198,6 @@ VideoResult encodeVideo(const VideoJob& job,
     // rename(2) replaces in one step; QFile::rename would not replace at all.
     if (std::rename(QFile::encodeName(staged).constData(),
                     QFile::encodeName(job.path).constData()) != 0)
-        return {VideoEnd::Failed, "Could not write:\n" + job.path};
+        return {VideoEnd::Failed, "Could not write:\n" + job.path, {}};
     return result;
 }

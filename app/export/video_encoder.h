@@ -14,8 +14,8 @@ struct VideoJob
     /// The encoder's arguments for a file to write.
     std::function<QStringList(const QString& path)> arguments;
     QString path;
-    QSize packed; ///< of each frame
-    int frames = 0;
+    QSize packed;                            ///< of each frame
+    int frames = 0;                          ///< 0 where the arguments name all that is read
     std::function<QImage(int frame)> render; ///< called on several threads at once
 };
 
@@ -38,6 +38,7 @@ struct VideoResult
 {
     VideoEnd end = VideoEnd::Failed;
     QString error; ///< for the user, where it failed
+    QString said;  ///< the encoder's last words, where it was the one that failed
 };
 
 /// Runs `job` on the caller's thread. `goesOn` keeps the user informed and says whether to go on.

@@ -32,27 +32,37 @@ static int evenSide(double side)
     return std::max(2, static_cast<int>(std::lround(side)) / 2 * 2);
 }
 
-QString videoFilter(const VideoPlan& plan)
+VideoFit videoFit(const VideoPlan& plan)
 {
-    if (plan.box.isEmpty())
-        return kEvenCrop;
     const QSize packed = packedSize(plan.stereo3d, plan.frame);
+    if (plan.box.isEmpty()) {
+        const QSize size(packed.width() / 2 * 2, packed.height() / 2 * 2);
+        return {size, size, false};
+    }
     const int boxWidth = evenSide(plan.box.width()) * (plan.stereo3d == kSideBySide ? 2 : 1);
     const int boxHeight = evenSide(plan.box.height());
     const double factor = std::min(static_cast<double>(boxHeight) / packed.height(),
                                    static_cast<double>(boxWidth) / packed.width());
     const double scale = std::min(factor, 1.0);
-    const bool meansKeepStars = factor < 0.999 && plan.hasStars;
-    const int width = evenSide(packed.width() * scale);
-    const int height = evenSide(packed.height() * scale);
+    return {{evenSide(packed.width() * scale), evenSide(packed.height() * scale)},
+            {boxWidth, boxHeight},
+            factor < 0.999};
+}
+
+QString videoFilter(const VideoPlan& plan)
+{
+    if (plan.box.isEmpty())
+        return kEvenCrop;
+    const VideoFit fit = videoFit(plan);
+    const bool meansKeepStars = fit.isScaled && plan.hasStars;
     return QString("scale=%1:%2:flags=%3,pad=%4:%5:%6:%7:color=black")
-        .arg(width)
-        .arg(height)
+        .arg(fit.picture.width())
+        .arg(fit.picture.height())
         .arg(meansKeepStars ? "area" : "lanczos")
-        .arg(boxWidth)
-        .arg(boxHeight)
-        .arg((boxWidth - width) / 2)
-        .arg((boxHeight - height) / 2);
+        .arg(fit.video.width())
+        .arg(fit.video.height())
+        .arg((fit.video.width() - fit.picture.width()) / 2)
+        .arg((fit.video.height() - fit.picture.height()) / 2);
 }
 
 static QStringList rawInput(QSize packed, int fps)
@@ -70,7 +80,7 @@ static QStringList rawInput(QSize packed, int fps)
             "-"};
 }
 
-static QStringList h264Output(const QString& filter)
+QStringList h264Arguments(const QString& filter)
 {
     return {"-vf",
             filter + kMatrix,
@@ -101,7 +111,7 @@ QStringList encoderArguments(const VideoPlan& plan, const QString& path)
                   << filter + ",split[a][b];[a]palettegen=stats_mode=diff[p];[b][p]paletteuse="
                               "dither=bayer:bayer_scale=3";
     else
-        arguments << h264Output(filter);
+        arguments << h264Arguments(filter);
     return arguments << path;
 }
 
@@ -112,7 +122,7 @@ QStringList sideBySideArguments(QSize packed, QSize target, int fps, const QStri
         target.isEmpty()
             ? kEvenCrop
             : QString("scale=%1:%2:flags=lanczos").arg(target.width()).arg(target.height());
-    return rawInput(packed, fps) << h264Output(filter) << extra << path;
+    return rawInput(packed, fps) << h264Arguments(filter) << extra << path;
 }
 
 int frameBatch(QSize packed, int frames)

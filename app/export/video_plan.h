@@ -78,12 +78,27 @@ int stereoFormatFor(int format, int stereo3d);
 /// Size of the frames that go to the encoder.
 QSize packedSize(int stereo3d, QSize frame);
 
+/// The longest side that the encoder of MP4 videos takes.
+inline constexpr int kLongestVideoSide = 16384;
+
+/// How the frames stand in the video.
+struct VideoFit
+{
+    QSize picture; ///< as it is scaled
+    QSize video;   ///< with the margins
+    bool isScaled = false;
+};
+VideoFit videoFit(const VideoPlan& plan);
+
 /// The encoder's filter: an even size, or the picture fitted into the box, never enlarged, with
 /// black around it.
 QString videoFilter(const VideoPlan& plan);
 
 /// The encoder's arguments for raw frames on its standard input.
 QStringList encoderArguments(const VideoPlan& plan, const QString& path);
+
+/// Of an MP4 video, from the filter on, without the path.
+QStringList h264Arguments(const QString& filter);
 
 /// Arguments for a stream of side-by-side pairs of `packed` pixels; `target` empty keeps their
 /// size. `extra` stands before the path.

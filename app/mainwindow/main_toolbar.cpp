@@ -23,7 +23,7 @@ struct ButtonRow
 
 constexpr std::array kButtons{
     ButtonRow{"openImage", ToolbarGroup::LoadSave, false, "recentMenu"},
-    ButtonRow{"saveImage", ToolbarGroup::Export, false},
+    ButtonRow{"saveImage", ToolbarGroup::Export, false, "exportMenu"},
     ButtonRow{"undo", ToolbarGroup::Tools, false},
     ButtonRow{"redo", ToolbarGroup::Tools, false},
     ButtonRow{"view.source", ToolbarGroup::View, true},

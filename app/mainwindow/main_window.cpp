@@ -26,7 +26,7 @@
 #include "app/session/output_view.h"
 #include "engine/qt/zre_qt.h"
 
-/// One menu entry. A row without a name is a separator.
+/// One menu entry. A row without a name is a separator, or with a text a menu within the menu.
 struct MainWindow::ActionRow
 {
     const char* menu;
@@ -72,7 +72,11 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
           *this, [this](const QString& path) { m_documents.openWithPartner(path); },
           opener(&MainWindow::loadDepthMapFile), opener(&MainWindow::loadColorProfileFile),
           pairOpener())
-    , m_stills(*this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); })
+    , m_stills(
+          *this, [this](zre::Image& out) { return renderCurrentViewFullRes(out); },
+          [this](const QString& path) { addRecentFile(path); })
+    , m_videos(*this, *this, {[this] { syncParamsFromUi(); }, [this] { showPreferences(); }})
+    , m_spatial(*this, *this, m_videos)
     , m_starTable(*this, *this, *m_preview, [this] { renderNow(); })
     , m_flybyScript(
           *this, *this, [this] { playFlyby(); }, [this] { refreshPlayback(); })
@@ -128,6 +132,7 @@ void MainWindow::buildMenus()
 {
     using Key = QKeySequence;
     static constexpr const char* kFile = "&File";
+    static constexpr const char* kMotion = "Export &Motion";
     static constexpr const char* kEdit = "&Edit";
     static constexpr const char* kView = "&View";
     static constexpr const char* kPlay = "&Play";
@@ -156,6 +161,16 @@ void MainWindow::buildMenus()
         ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
         ActionRow{kFile, "saveImage", "&Export View...", Key::UnknownKey, "Ctrl+E",
                   Gate::NeedsImage, &MainWindow::saveImage},
+        ActionRow{kFile, nullptr, kMotion, Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kMotion, "exportWiggle", "&Parallax Motion...", Key::UnknownKey, "Ctrl+M",
+                  Gate::NeedsImage, &MainWindow::exportWiggle},
+        ActionRow{kMotion, "exportFlyby", "&Flyby...", Key::UnknownKey, "Ctrl+Shift+M",
+                  Gate::NeedsImage, &MainWindow::exportFlyby},
+        ActionRow{kMotion, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
+        ActionRow{kMotion, "exportVR180", "&VR180...", Key::UnknownKey, "", Gate::NeedsImage,
+                  &MainWindow::exportVR180},
+        ActionRow{kMotion, "exportAppleSpatial", "&Apple Spatial...", Key::UnknownKey, "",
+                  Gate::NeedsImage, &MainWindow::exportAppleSpatial},
         ActionRow{kFile, nullptr, "", Key::UnknownKey, "", Gate::Always, nullptr},
         ActionRow{kFile, "quit", "&Quit", Key::Quit, "Ctrl+Q", Gate::Always, &MainWindow::quit},
         ActionRow{kEdit, "preferences", "&Preferences...", Key::Preferences, "Ctrl+,", Gate::Always,
@@ -324,7 +339,10 @@ void MainWindow::addRow(const ActionRow& row)
 {
     QMenu& menu = menuTitled(row.menu);
     if (!row.name) {
-        menu.addSeparator();
+        if (*row.text)
+            menu.addMenu(row.text)->setObjectName("exportMenu");
+        else
+            menu.addSeparator();
         return;
     }
     auto* action = new QAction(row.text, this);
@@ -341,9 +359,9 @@ void MainWindow::addRow(const ActionRow& row)
 
 QMenu& MainWindow::menuTitled(const QString& title)
 {
-    for (const QAction* action : menuBar()->actions())
-        if (action->menu() && action->text() == title)
-            return *action->menu();
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>())
+        if (menu->title() == title)
+            return *menu;
     return *menuBar()->addMenu(title);
 }
 

@@ -21,10 +21,12 @@
 #include "app/mainwindow/recent_controller.h"
 #include "app/mainwindow/render_controller.h"
 #include "app/mainwindow/shell_host.h"
+#include "app/mainwindow/spatial_export_controller.h"
 #include "app/mainwindow/stage_display.h"
 #include "app/mainwindow/star_overlay_controller.h"
 #include "app/mainwindow/star_table_controller.h"
 #include "app/mainwindow/still_controller.h"
+#include "app/mainwindow/video_export_controller.h"
 #include "app/persist/appcfg.h"
 #include "app/session/carry_over.h"
 #include "app/session/render_pipeline.h"
@@ -90,6 +92,9 @@ public:
     void openRecentPair(const QString& entry) { m_recent.openRecentPair(entry); }
     void openRecentDepthMap(const QString& path) { m_recent.openRecentDepthMap(path); }
     void saveImage() { m_stills.saveImage(); }
+    void encodeVideo(bool flyby) { m_videos.encodeVideo(flyby); }
+    void exportVR180() { m_spatial.exportVR180(); }
+    void exportAppleSpatial() { m_spatial.exportAppleSpatial(); }
     /// What the user is told once the window is up.
     void runStartupNotices();
     void warnIfNoFfmpeg() { m_preferences.warnIfNoFfmpeg(); }
@@ -189,6 +194,8 @@ private:
     void saveScript() { m_flyby.saveScript(); }
     void setOngoingWiggle(bool on) { m_flyby.setOngoingWiggle(on); }
     void setContinuousLoop(bool on) { m_flyby.setContinuousLoop(on); }
+    void exportWiggle() { encodeVideo(false); }
+    void exportFlyby() { encodeVideo(true); }
     void openImage() { m_documents.openImage(); }
     void openPair() { m_documents.openPair(); }
     void loadDepthMap() { m_depthMaps.loadDepthMap(); }
@@ -237,6 +244,8 @@ private:
     RecentController m_recent;
     DropController m_drops;
     StillController m_stills;
+    VideoExportController m_videos;
+    SpatialExportController m_spatial;
     StarTableController m_starTable;
     FlybyScriptController m_flybyScript;
     PreferencesController m_preferences;

@@ -4,10 +4,12 @@
 
 #include <QCheckBox>
 #include <QColorDialog>
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include "app/mainwindow/preview_view.h"
@@ -98,6 +100,20 @@ std::optional<int> DesktopPrompter::choose(const QString& title, const QString& 
     box.exec();
     const qsizetype chosen = buttons.indexOf(box.clickedButton());
     return chosen < 0 ? std::nullopt : std::optional(static_cast<int>(chosen));
+}
+
+void DesktopPrompter::showMade(const QString& title, const QString& text, const QString& path)
+{
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Close, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton* file = box.addButton("Open file", QMessageBox::AcceptRole);
+    QPushButton* folder = box.addButton("Show in folder", QMessageBox::AcceptRole);
+    box.setDefaultButton(QMessageBox::Close);
+    box.exec();
+    if (box.clickedButton() == file)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    else if (box.clickedButton() == folder)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
 }
 
 void DesktopPrompter::showPicture(const QString& title, QImage picture)

@@ -41,6 +41,8 @@ public:
     /// cancel. The index of the choice; nothing when the user cancels.
     virtual std::optional<int> choose(const QString& title, const QString& text,
                                       const QStringList& choices) = 0;
+    /// Tells that the file `path` was made, and offers to open it and its folder.
+    virtual void showMade(const QString& title, const QString& text, const QString& path) = 0;
     /// A picture of its own, until the user closes it.
     virtual void showPicture(const QString& title, QImage picture) = 0;
 };
@@ -66,6 +68,7 @@ public:
     void tell(const QString& title, const QString& richText) override;
     std::optional<int> choose(const QString& title, const QString& text,
                               const QStringList& choices) override;
+    void showMade(const QString& title, const QString& text, const QString& path) override;
     void showPicture(const QString& title, QImage picture) override;
 
 private:

@@ -33,9 +33,10 @@ QString suggestedStillName(const Session& session)
         .arg(base.isEmpty() ? QString("zerrith") : base, currentView(session).key);
 }
 
-StillController::StillController(ShellHost& host, Render render)
+StillController::StillController(ShellHost& host, Render render, Made made)
     : m_host(host)
     , m_render(std::move(render))
+    , m_made(std::move(made))
 {
 }
 
@@ -81,6 +82,7 @@ void StillController::saveImage()
         m_host.prompter().warn("Export", "Could not write:\n" + path + "\n" + error);
         return;
     }
+    m_made(path);
     m_host.showStatus(QString("Exported %1: %2 (%3 x %4)")
                           .arg(word, QFileInfo(path).fileName())
                           .arg(still.width)

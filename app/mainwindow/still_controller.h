@@ -16,7 +16,10 @@ public:
     /// Renders the current view as it goes to a file; false when there is none.
     using Render = std::function<bool(zre::Image&)>;
 
-    StillController(ShellHost& host, Render render);
+    /// Receives the path of each file written.
+    using Made = std::function<void(const QString& path)>;
+
+    StillController(ShellHost& host, Render render, Made made);
 
     /// Asks for a file and writes the current view to it.
     void saveImage();
@@ -26,6 +29,7 @@ private:
 
     ShellHost& m_host;
     Render m_render;
+    Made m_made;
 };
 
 /// The name suggested for the current view: the source's base name and the view's key.

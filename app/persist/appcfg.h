@@ -119,7 +119,7 @@ struct ExportChoices
     int customWidth = 1920;
     int customHeight = 1080; ///< both 16 to 16384 pixels
     bool keepAspect = true;
-    int fps = 24; ///< 1 to 120
+    int fps = 0; ///< 1 to 120; 0 for the motion's own
     bool operator==(const ExportChoices&) const = default;
 };
 ExportChoices exportChoices();

@@ -143,7 +143,7 @@ struct Settings
     Setting<int> exportCustomWidth = whole("export/customW", 1920, 16, 16384);
     Setting<int> exportCustomHeight = whole("export/customH", 1080, 16, 16384);
     Setting<bool> exportKeepAspect = flag("export/keepAspect", true);
-    Setting<int> exportFps = whole("export/fps", 24, 1, 120);
+    Setting<int> exportFps = whole("export/fps", 0, 0, 120);
 
     /// In the order of `RecentCategory`.
     std::array<Setting<QList<QString>>, 6> recent{

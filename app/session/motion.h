@@ -6,6 +6,18 @@
 class RenderPipeline;
 struct Session;
 
+/// What can be told of a motion before anything of it is drawn.
+struct MotionFacts
+{
+    int frames = 0;
+    int fps = 0; ///< its own rate
+    QSize frame; ///< of one eye
+    FlybyPath path;
+};
+
+/// Of the session's parallax motion, or of its flyby.
+MotionFacts motionFacts(const Session& session, bool flyby, const FlybyOptions& options);
+
 /// What the frames of the session's parallax motion, or of its flyby, are made of, up to date: the
 /// working image, the depth map and the stars of `pipeline`, which have to outlive the result and
 /// stay as they are. Without a source the images are null. `builtInReason` (may be null) is what

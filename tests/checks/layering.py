@@ -14,7 +14,7 @@ import sys
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)')
 WIDGET_FOLDERS = (
-    "app/mainwindow", "app/main", "app/playback", "app/flyby", "app/sky", "app/stars", "app/depthedit", "app/panel", "app/prefs",
+    "app/mainwindow", "app/main", "app/playback", "app/flyby", "app/video", "app/sky", "app/stars", "app/depthedit", "app/panel", "app/prefs",
     "tools/screenshots",
 )
 WIDGET_HEADERS = re.compile(

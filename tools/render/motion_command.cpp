@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <stdexcept>
 
 #include <QDir>
@@ -10,9 +11,9 @@
 
 #include "app/export/frame_farm.h"
 #include "app/export/motion_frame.h"
+#include "app/export/spatial_video.h"
 #include "app/export/video_encoder.h"
 #include "app/export/video_plan.h"
-#include "app/export/vr180.h"
 #include "app/persist/appcfg.h"
 #include "app/session/motion.h"
 #include "app/session/render_pipeline.h"
@@ -262,26 +263,21 @@ Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunCont
     return context.outputs.commit(&error) ? Outcome::done() : Outcome::failed(error);
 }
 
-QStringList argumentsFor(const Request& request, const VideoPlan& plan, const QString& path)
+std::optional<SpatialKind> spatialKind(const Request& request)
 {
-    static const QStringList kStereoMode{"-metadata:s:v:0", "stereo_mode=left_right"};
-    if (!request.isSpatial())
-        return encoderArguments(plan, path);
-    return sideBySideArguments(packedSize(kSideBySide, plan.frame), plan.box, plan.fps,
-                               request.vr180 ? kStereoMode : QStringList(), path);
+    if (request.vr180)
+        return SpatialKind::Vr180;
+    return request.appleSpatial ? std::optional(SpatialKind::Apple) : std::nullopt;
 }
 
-/// A video without what tells players of its kind still plays, side by side.
-void injectSpatial(const Request& request, const QString& staged, Console& console)
+QStringList argumentsFor(const Request& request, const VideoPlan& plan, const QString& path)
 {
-    constexpr double kFieldDegrees = 90.0;
-    constexpr double kBaselineMm = 63.0;
-    const std::string path = staged.toStdString();
-    if (request.vr180 && !vr180::injectSpatialMediaMp4(path))
-        console.warn(QStringLiteral("spatial metadata not injected"));
-    if (request.appleSpatial &&
-        !vr180::injectAppleSpatialMp4(path, kFieldDegrees, kBaselineMm, true))
-        console.warn(QStringLiteral("spatial metadata not injected"));
+    const std::optional<SpatialKind> kind = spatialKind(request);
+    if (!kind)
+        return encoderArguments(plan, path);
+    return sideBySideArguments(packedSize(kSideBySide, plan.frame),
+                               spatialTargetIn(plan.frame, plan.box), plan.fps,
+                               spatialArguments(*kind), path);
 }
 
 Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunContext& context,
@@ -293,11 +289,6 @@ Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunConte
         return Outcome::failed(error);
     VideoPlan plan{request.format, request.stereo3d,   request.box,
                    made.fps,       inputs.frameSize(), inputs.stars && !inputs.stars->empty()};
-    // The boxes of a spatial video speak of two whole eyes beside each other, without margins.
-    if (request.isSpatial() && !plan.box.isEmpty()) {
-        const QSize eye = plan.frame.scaled(plan.box, Qt::KeepAspectRatio).boundedTo(plan.frame);
-        plan.box = QSize(eye.width() / 2 * 4, eye.height() / 2 * 2);
-    }
     VideoJob job;
     job.encoder = appcfg::ffmpegResolved();
     job.arguments = [&](const QString& path) { return argumentsFor(request, plan, path); };
@@ -316,15 +307,16 @@ Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunConte
     });
     if (result.end != VideoEnd::Done)
         return Outcome::failed(QString(result.error).replace(*staged, request.output));
-    injectSpatial(request, *staged, context.console);
+    // A video without what tells players of its kind still plays, side by side.
+    const std::optional<SpatialKind> kind = spatialKind(request);
+    if (kind && !injectSpatial(*kind, *staged))
+        context.console.warn(QStringLiteral("spatial metadata not injected"));
     return context.outputs.commit(&error) ? Outcome::done() : Outcome::failed(error);
 }
 
 /// A script with errors is no flight: what stands in for it in the window nobody asked for here.
-Outcome checkScript(const Invocation& invocation, Session& session, FlybyPath& path)
+Outcome checkScript(const Invocation& invocation, const FlybyPath& path)
 {
-    path = compileFlyby(session.flybyScript, session.params, session.source.width,
-                        session.source.height, {});
     if (path.errors.empty())
         return Outcome::done();
     return Outcome::failed(QStringLiteral("%1: line %2: %3")
@@ -333,21 +325,8 @@ Outcome checkScript(const Invocation& invocation, Session& session, FlybyPath& p
                                .arg(QString::fromStdString(path.errors.front().message)));
 }
 
-int framesPerSecond(const Request& request, const FlybyPath& path, const zre::ZRParams& params)
-{
-    constexpr int kUsualFlybyFps = 24;
-    constexpr int kUsualWiggleFps = 20;
-    if (request.fps > 0)
-        return request.fps;
-    if (request.flyby && !path.builtIn)
-        return path.cameras.front().fps;
-    if (params.wiggleFps > 0)
-        return params.wiggleFps;
-    return request.flyby ? kUsualFlybyFps : kUsualWiggleFps;
-}
-
-Outcome renderMotion(Request& request, const FlybyPath& path, Session& session, RunContext& context,
-                     Made& made)
+Outcome renderMotion(Request& request, const MotionFacts& facts, Session& session,
+                     RunContext& context, Made& made)
 {
     RenderPipeline pipeline(session);
     pipeline.setStageReporter(
@@ -362,7 +341,7 @@ Outcome renderMotion(Request& request, const FlybyPath& path, Session& session, 
     if (request.first >= request.end)
         return Outcome::usage(QStringLiteral("--frames: there are the frames 0:%1").arg(frames));
     made.frames = request.end - request.first;
-    made.fps = framesPerSecond(request, path, session.params);
+    made.fps = request.fps > 0 ? request.fps : facts.fps;
     made.size = packedSize(request.stereo3d, inputs.frameSize());
     return request.format == kFolder ? renderFolder(request, inputs, context, made)
                                      : renderVideo(request, inputs, context, made);
@@ -374,7 +353,7 @@ Outcome runMotion(const Invocation& invocation, RunContext& context)
 {
     Request request;
     Session session;
-    FlybyPath path;
+    MotionFacts facts;
     Made made;
     Outcome outcome = readRequest(invocation, request);
     if (outcome.isDone())
@@ -387,10 +366,12 @@ Outcome runMotion(const Invocation& invocation, RunContext& context)
     if (outcome.isDone())
         outcome = openInputs(invocation, session, context.console);
     session.flybyScript = script;
-    if (outcome.isDone() && request.flyby)
-        outcome = checkScript(invocation, session, path);
+    if (outcome.isDone()) {
+        facts = motionFacts(session, request.flyby, {});
+        outcome = checkScript(invocation, facts.path);
+    }
     if (outcome.isDone())
-        outcome = renderMotion(request, path, session, context, made);
+        outcome = renderMotion(request, facts, session, context, made);
     if (!outcome.isDone())
         return outcome;
     QString line = QStringLiteral("%1: %2 frames  -  %3 x %4  -  %5 frames a second")

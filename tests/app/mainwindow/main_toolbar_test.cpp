@@ -83,20 +83,29 @@ TEST(MainToolbar, EveryButtonHasAPictureThatFollowsTheTheme)
     EXPECT_GE(dark.size(), 11);
 }
 
-TEST(MainToolbar, TheArrowBesideOpenListsTheRecentFiles)
+static QMenu* menuBeside(MainWindow& window, const char* name)
+{
+    for (const QToolButton* button :
+         window.findChild<QToolBar*>("mainToolbar")->findChildren<QToolButton*>())
+        if (button->menu() && button->menu()->objectName() == name)
+            return button->menu();
+    return nullptr;
+}
+
+TEST(MainToolbar, TheArrowsBesideOpenAndExportListWhatElseThereIs)
 {
     const PrivateSettings own;
     MainWindow window;
     recent::pushFile(appcfg::RecentCategory::Images, own.path("m42.tif"));
-    QMenu* menu = nullptr;
-    for (const QToolButton* button :
-         window.findChild<QToolBar*>("mainToolbar")->findChildren<QToolButton*>())
-        menu = button->menu() ? button->menu() : menu;
+    QMenu* menu = menuBeside(window, "recentMenu");
     ASSERT_TRUE(menu);
     emit menu->aboutToShow();
     const QList<QAction*> entries = menu->findChildren<QAction*>(); // of its lists too
     EXPECT_TRUE(std::any_of(entries.begin(), entries.end(),
                             [](const QAction* a) { return a->text().contains("m42.tif"); }));
+    const QMenu* exports = menuBeside(window, "exportMenu");
+    ASSERT_TRUE(exports);
+    EXPECT_TRUE(exports->actions().contains(window.findChild<QAction*>("exportFlyby")));
 }
 
 TEST(MainWindowPlace, TheNextWindowHasTheSizeOfTheLast)

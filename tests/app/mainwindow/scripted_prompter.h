@@ -17,6 +17,7 @@ struct Script
     QStringList told;
     std::deque<int> choices; ///< taken by questions with buttons; beyond the last: cancelled
     QStringList questions;   ///< "title|text|button|button..."
+    QStringList made; ///< "title|text|path"
     QStringList pictureTitles;
     QImage lastPicture;
 };
@@ -76,6 +77,10 @@ public:
         const int next = m_script.choices.front();
         m_script.choices.pop_front();
         return next;
+    }
+    void showMade(const QString& title, const QString& text, const QString& path) override
+    {
+        m_script.made << title + "|" + text + "|" + path;
     }
     void showPicture(const QString& title, QImage picture) override
     {

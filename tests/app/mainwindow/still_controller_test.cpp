@@ -17,10 +17,13 @@ static QString scratch(const std::string& name)
 struct Stills : testing::Test
 {
     FakeHost host;
-    StillController stills{host, [this](zre::Image& out) {
+    QStringList made;
+    StillController stills{host,
+                           [this](zre::Image& out) {
                                return host.pipeline().renderView(host.document.outputMode, {}, out,
                                                                  nullptr);
-                           }};
+                           },
+                           [this](const QString& path) { made << path; }};
 
     void SetUp() override
     {
@@ -51,6 +54,7 @@ TEST_F(Stills, EachViewComesBackFromItsFileWithTheSolutionThatFitsIt)
     }
     EXPECT_EQ(host.statuses.back(), "Exported stereo pair: view3.xisf (180 x 60)");
     EXPECT_TRUE(host.script.warned.isEmpty());
+    EXPECT_EQ(made.size(), 4);
 }
 
 TEST_F(Stills, TheSuggestedFileStandsBesideTheSourceAndNamesTheView)
@@ -75,6 +79,7 @@ TEST_F(Stills, AFileThatCannotBeWrittenIsSaidAndTheOldOneStays)
     ASSERT_EQ(host.script.warned.size(), 2);
     EXPECT_TRUE(host.script.warned[0].startsWith("Export|Could not write:\n" + path));
     EXPECT_FALSE(QFileInfo::exists(scratch("picture.unknown")));
+    EXPECT_TRUE(made.isEmpty());
 }
 
 TEST_F(Stills, WithoutAnImageNothingIsAsked)

@@ -1,0 +1,241 @@
+#include "app/mainwindow/video_export_controller.h"
+
+#include <utility>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include "app/export/frame_farm.h"
+#include "app/export/spatial_video.h"
+#include "app/export/video_plan.h"
+#include "app/mainwindow/prompter.h"
+#include "app/mainwindow/shell_host.h"
+#include "app/persist/appcfg.h"
+#include "app/session/layer_names.h"
+#include "app/session/render_pipeline.h"
+#include "app/session/session.h"
+#include "app/video/encode_dialog.h"
+#include "engine/qt/zre_qt.h"
+
+namespace {
+
+constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
+constexpr const char* kExportFailed = "Export failed";
+constexpr const char* kCanceled = "Export canceled.";
+
+struct MotionWords
+{
+    const char* title;
+    const char* name; ///< in statuses, and of the file
+    const char* fileName;
+};
+
+constexpr MotionWords kWiggleWords{"Export Parallax Motion", "parallax motion", "parallax"};
+constexpr MotionWords kFlybyWords{"Export Flyby", "flyby", "flyby"};
+
+const MotionWords& wordsOf(bool flyby)
+{
+    return flyby ? kFlybyWords : kWiggleWords;
+}
+
+FlybyOptions flybyOptions()
+{
+    return {appcfg::ongoingFlybyWiggle(), appcfg::flybyContinuousLoop()};
+}
+
+std::function<QImage(int)> frameRenderer(const MotionInputs& inputs, int stereo3d)
+{
+    return [&inputs, stereo3d](int frame) {
+        zre::Image image;
+        renderMotionFrame(inputs, frame, stereo3d, image);
+        return zre_qt::toQImage(image);
+    };
+}
+
+} // namespace
+
+VideoExportController::VideoExportController(ShellHost& host, QWidget& window, Hooks hooks)
+    : m_host(host)
+    , m_window(window)
+    , m_hooks(std::move(hooks))
+{
+    if (m_hooks.ask)
+        return;
+    m_hooks.ask = [this](bool flyby, const MotionFacts& facts) {
+        const zre::Image& source = m_host.session().source;
+        ExportDialog dialog(flyby, facts.fps, static_cast<double>(source.width) / source.height,
+                            &m_window);
+        dialog.setMotion(facts.frame, facts.frames);
+        dialog.exec();
+        return dialog.results();
+    };
+}
+
+MotionFacts VideoExportController::facts(bool flyby) const
+{
+    return motionFacts(m_host.session(), flyby, flybyOptions());
+}
+
+QString VideoExportController::requireFfmpeg(const QString& text, const QString& help)
+{
+    QString ffmpeg = appcfg::ffmpegResolved();
+    if (!ffmpeg.isEmpty())
+        return ffmpeg;
+    if (m_host.prompter().choose("ffmpeg required", text + "\n" + help, {"Open Preferences..."}))
+        m_hooks.showPreferences();
+    return appcfg::ffmpegResolved();
+}
+
+bool VideoExportController::confirmFlyby(const MotionFacts& facts, const QString& title)
+{
+    if (facts.path.errors.empty())
+        return true;
+    const zre::ZRFlybyError& first = facts.path.errors.front();
+    return m_host.prompter()
+        .choose(title,
+                QString("The flyby script has an error in line %1: %2\n\nThe built-in flyby would "
+                        "be exported in its place.")
+                    .arg(first.line)
+                    .arg(QString::fromStdString(first.message)),
+                {"Export Built-in Flyby"})
+        .has_value();
+}
+
+QString VideoExportController::startPath(const QString& name) const
+{
+    const Session& session = m_host.session();
+    QString base = session.hasPair() ? layerBaseOf(session.starlessPath)
+                                     : QFileInfo(session.sourcePath).completeBaseName();
+    const QString file = (base.isEmpty() ? QString("zerrith") : base) + "_" + name;
+    QString start = appcfg::dialogStartPath(kDialog, file, appcfg::Preferred::WorkFolder);
+    if (start != file)
+        return start;
+    const QFileInfo source(session.sourcePath);
+    return (session.sourcePath.isEmpty() ? QDir::home() : source.absoluteDir()).filePath(file);
+}
+
+/// What the frames are made of. False, with the user told, where there is nothing to draw.
+bool VideoExportController::prepare(bool flyby, MotionInputs& inputs, const QString& failureTitle)
+{
+    RenderPipeline& pipeline = m_host.pipeline();
+    pipeline.setTrueColor(appcfg::starTrueColor());
+    if (!m_host.busyRun([&] { //
+            inputs = motionInputs(m_host.session(), pipeline, flyby, flybyOptions());
+        }))
+        return false;
+    if (inputs.depth && inputs.frames() > 0)
+        return true;
+    m_host.prompter().warn(failureTitle, "No flyby frames to export.");
+    return false;
+}
+
+bool VideoExportController::run(const VideoJob& job, const Words& words, VideoResult& result)
+{
+    return m_host.busyRun([&] {
+        EncodeDialog dialog(words.title, words.text, job.frames, &m_window);
+        result = ::encodeVideo(
+            job, [&](const VideoProgress& progress) { return dialog.advance(progress); });
+    });
+}
+
+void VideoExportController::encodeVideo(bool flyby)
+{
+    const QString ffmpeg = requireFfmpeg("Video export needs ffmpeg, which is not configured.",
+                                         "Set its location in Edit > Preferences.");
+    if (ffmpeg.isEmpty())
+        return;
+    if (!m_host.session().hasSource()) {
+        m_host.showStatus("Open an image first.");
+        return;
+    }
+    m_host.stopPlayback("video export");
+    m_hooks.syncParams();
+    const MotionWords& words = wordsOf(flyby);
+    const MotionFacts facts = this->facts(flyby);
+    if (!confirmFlyby(facts, words.title))
+        return;
+    const ExportResults wanted = m_hooks.ask(flyby, facts);
+    if (!wanted.accepted)
+        return;
+    VideoPlan plan;
+    plan.format = wanted.format;
+    plan.stereo3d = stereoFormatFor(wanted.format, wanted.stereo3d);
+    plan.box = QSize(wanted.width, wanted.height);
+    plan.fps = wanted.fps;
+    const VideoFormat& format = kVideoFormats[static_cast<std::size_t>(plan.format)];
+    const StereoFormat& stereo = kStereoFormats[static_cast<std::size_t>(plan.stereo3d)];
+    const QString path = m_host.prompter().saveFile(
+        words.title,
+        startPath(QString("%1%2.%3").arg(words.fileName, stereo.suffix, format.suffix)),
+        format.filter);
+    if (path.isEmpty())
+        return;
+    appcfg::rememberDialogPath(kDialog, path);
+
+    MotionInputs inputs;
+    if (!prepare(flyby, inputs, kExportFailed))
+        return;
+    plan.frame = inputs.frameSize();
+    plan.hasStars = inputs.stars && !inputs.stars->empty();
+    VideoJob job;
+    job.encoder = ffmpeg;
+    job.arguments = [&plan](const QString& to) { return encoderArguments(plan, to); };
+    job.path = path;
+    job.packed = packedSize(plan.stereo3d, plan.frame);
+    job.frames = inputs.frames();
+    job.render = frameRenderer(inputs, plan.stereo3d);
+    const int threads = FrameFarm::threadsFor(frameBatch(job.packed, job.frames));
+    m_host.showStatus(QString("Saving %1 using %2 thread%3...")
+                          .arg(words.name)
+                          .arg(threads)
+                          .arg(threads == 1 ? "" : "s"));
+    VideoResult result;
+    if (!run(job, {"Exporting video", QString("Encoding %1...").arg(words.name)}, result))
+        return;
+    if (result.end == VideoEnd::Canceled) {
+        m_host.showStatus(kCanceled);
+    } else if (result.end == VideoEnd::Failed) {
+        m_host.showStatus({});
+        m_host.prompter().warn(kExportFailed, result.error);
+    } else {
+        const QString done = QString("Exported %1 frames -> %2").arg(job.frames).arg(path);
+        m_host.showStatus(done);
+        m_host.prompter().showMade(words.title, done, path);
+    }
+}
+
+bool VideoExportController::encodeSbsMotionMp4(const PairStream& stream)
+{
+    MotionInputs inputs;
+    if (!prepare(stream.flyby, inputs, stream.failureTitle))
+        return false;
+    const int fps = facts(stream.flyby).fps;
+    VideoJob job;
+    job.encoder = stream.ffmpeg;
+    job.path = stream.path;
+    job.packed = packedSize(kSideBySide, inputs.frameSize());
+    job.frames = inputs.frames();
+    job.render = frameRenderer(inputs, kSideBySide);
+    job.arguments = [&](const QString& to) {
+        return sideBySideArguments(job.packed, spatialTarget(job.packed, stream.width), fps,
+                                   stream.extraArgs, to);
+    };
+    return encodeTo(job,
+                    {"Exporting stereo video",
+                     QString("Encoding stereo %1...").arg(wordsOf(stream.flyby).name)},
+                    stream.failureTitle);
+}
+
+bool VideoExportController::encodeTo(const VideoJob& job, const Words& words,
+                                     const QString& failureTitle)
+{
+    VideoResult result;
+    if (!run(job, words, result))
+        return false;
+    if (result.end == VideoEnd::Canceled)
+        m_host.showStatus(kCanceled);
+    else if (result.end == VideoEnd::Failed)
+        m_host.prompter().warn(
+            failureTitle, result.said.isEmpty() ? result.error : "ffmpeg failed:\n" + result.said);
+    return result.end == VideoEnd::Done;
+}
