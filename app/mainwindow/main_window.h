@@ -175,6 +175,7 @@ private:
     std::function<void(const QString&)> opener(bool (MainWindow::*open)(const QString&));
     std::function<void(const QString&, const QString&)> pairOpener();
     void buildMenus();
+    void buildFileMenu();
     void buildControlPanel();
     QWidget* buildPreviewPane();
     void addHistoryActions(QMenu& menu);
