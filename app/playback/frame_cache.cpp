@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/export/frame_farm.h"
+#include "app/export/image_pool.h"
 #include "app/export/video_plan.h"
 #include "app/playback/preview_scale.h"
 #include "engine/flight/flyby_frame.h"
@@ -97,8 +98,11 @@ bool FrameCache::fill(const Order& order, const Watch& watch)
     if (!watch(0, m_planned))
         return false;
     const int threads = order.threads > 0 ? order.threads : FrameFarm::threadsFor(m_planned);
-    FrameFarm farm({m_planned, threads, m_planned, true},
-                   [&](int frame) { return draw(sources[index(sourceOf[index(frame)])], frame); });
+    ImagePool pool;
+    FrameFarm farm({m_planned, threads, m_planned, true}, [&](int frame) {
+        ImagePool::Loan scratch(pool);
+        return draw(sources[index(sourceOf[index(frame)])], frame, *scratch);
+    });
     for (int taken = 0; taken < m_planned && !farm.failed();) {
         farm.waitForNext(kWatchMs);
         while (farm.waitForNext(0))
@@ -109,16 +113,15 @@ bool FrameCache::fill(const Order& order, const Watch& watch)
     return true;
 }
 
-QImage FrameCache::draw(const MotionInputs& source, int frame) const
+QImage FrameCache::draw(const MotionInputs& source, int frame, zre::Image& scratch) const
 {
-    zre::Image picture;
     if (source.flyby)
         zre::renderFlybyFrame(*source.working, *source.depth, source.cameras[index(frame)],
-                              source.ongoingWiggle, source.convergence, source.params, picture,
+                              source.ongoingWiggle, source.convergence, source.params, scratch,
                               source.stars, nullptr, nullptr, 0.0, m_size.width(), m_size.height());
     else
-        renderMotionFrame(source, frame, kFlat, picture);
-    return zre_qt::toQImage(picture).convertToFormat(QImage::Format_RGB32); // as it is painted
+        renderMotionFrame(source, frame, kFlat, scratch);
+    return zre_qt::toQImage(scratch, QImage::Format_RGB32);
 }
 
 QImage FrameCache::renderPlaybackFrame(int frame)
@@ -126,12 +129,13 @@ QImage FrameCache::renderPlaybackFrame(int frame)
     if (frame < 0 || frame >= frames())
         return {};
     try {
+        zre::Image scratch;
         const double zoom = m_full.flyby ? m_full.cameras[index(frame)].zoom : 1.0;
         const double wanted = bucketScaleFor(m_fraction, zoom);
         if (m_fraction < kFullScale && wanted > m_fraction + 1e-9)
             if (const PreviewInputs* bucket = m_buckets.bucketFor(m_full, wanted))
-                return draw(motionOf(*bucket, m_full), frame);
-        return draw(m_shared, frame);
+                return draw(motionOf(*bucket, m_full), frame, scratch);
+        return draw(m_shared, frame, scratch);
     } catch (const std::bad_alloc&) {
         return {};
     }

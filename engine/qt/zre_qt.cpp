@@ -1,39 +1,134 @@
 #include "engine/qt/zre_qt.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <optional>
+#include <vector>
+
+#include "engine/image/multiversion.h"
 
 namespace zre_qt {
 
+namespace {
+
+/// Where the bytes of a pixel stand in a word of 32 bits.
+struct PixelShifts
+{
+    int red = 0;
+    int green = 8;
+    int blue = 16;
+    quint32 alpha = 0;
+};
+
+/// Rows of the three channels that are shown.
+struct Row
+{
+    const float* red;
+    const float* green;
+    const float* blue;
+    int width;
+};
+
 // Clamped before the conversion: a float beyond the int range has no defined conversion, and a NaN
-// fails the first comparison.
-static uchar byteOf(float v)
+// fails the last comparison.
+ZR_KERNEL_STEP quint32 byteOf(float v)
 {
     const float scaled = v * 255.0f + 0.5f;
-    return scaled > 0.0f ? static_cast<uchar>(std::min(scaled, 255.0f)) : uchar{0};
+    const float bounded = scaled < 255.0f ? scaled : 255.0f;
+    return static_cast<quint32>(static_cast<int>(scaled > 0.0f ? bounded : 0.0f));
+}
+
+ZR_MULTIVERSION void packRow(const Row& row, const PixelShifts& shifts, quint32* __restrict out)
+{
+    const float* const red = row.red;
+    const float* const green = row.green;
+    const float* const blue = row.blue;
+    const PixelShifts at = shifts;
+    const int width = row.width;
+    for (int x = 0; x < width; ++x)
+        out[x] = byteOf(red[x]) << at.red | byteOf(green[x]) << at.green |
+                 byteOf(blue[x]) << at.blue | at.alpha;
+}
+
+/// Pixels of four bytes, the last of them 0, closed up to three.
+void closeUp(const quint32* in, int width, uchar* out)
+{
+    int x = 0;
+    for (; x + 4 <= width; x += 4, out += 12) {
+        const quint32* const p = in + x;
+        const quint32 words[]{p[0] | p[1] << 24, p[1] >> 8 | p[2] << 16, p[2] >> 16 | p[3] << 8};
+        std::memcpy(out, words, sizeof words);
+    }
+    for (; x < width; ++x, out += 3)
+        std::memcpy(out, in + x, 3);
+}
+
+std::optional<PixelShifts> shiftsOf(QImage::Format format)
+{
+    static_assert(std::endian::native == std::endian::little);
+    constexpr quint32 kOpaque = 0xff000000u;
+    switch (format) {
+    case QImage::Format_RGBA8888:
+        return PixelShifts{.alpha = kOpaque};
+    case QImage::Format_RGB32:
+        return PixelShifts{16, 8, 0, kOpaque};
+    case QImage::Format_RGB888:
+        return PixelShifts{};
+    default:
+        return std::nullopt;
+    }
+}
+
+void freePixels(void* pixels)
+{
+    ::operator delete(pixels);
+}
+
+/// A picture whose pixels come from `operator new`, which programs replace for large blocks; null
+/// when memory runs out.
+QImage newPicture(int width, int height, QImage::Format format)
+{
+    const qsizetype rowBits = qsizetype{width} * QImage::toPixelFormat(format).bitsPerPixel();
+    if (rowBits > std::numeric_limits<int>::max() - 31) // which QImage does not take
+        return {};
+    const qsizetype rowBytes = (rowBits + 31) / 32 * 4;
+    void* const pixels = ::operator new(static_cast<std::size_t>(rowBytes * height), std::nothrow);
+    if (!pixels)
+        return {};
+    return QImage(static_cast<uchar*>(pixels), width, height, rowBytes, format, freePixels, pixels);
+}
+
+} // namespace
+
+QImage toQImage(const zre::Image& image, QImage::Format format)
+{
+    const std::optional<PixelShifts> shifts = shiftsOf(format);
+    if (!image.usable() || !shifts)
+        return {};
+    QImage picture = newPicture(image.width, image.height, format);
+    if (picture.isNull())
+        return {};
+    const bool isWide = format != QImage::Format_RGB888;
+    std::vector<quint32> packed(isWide ? 0 : static_cast<std::size_t>(image.width));
+    const int last = image.channels - 1;
+    for (int y = 0; y < image.height; ++y) {
+        const std::size_t at = static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width);
+        const Row row{image.plane(0) + at, image.plane(std::min(1, last)) + at,
+                      image.plane(std::min(2, last)) + at, image.width};
+        uchar* const out = picture.scanLine(y);
+        packRow(row, *shifts, isWide ? reinterpret_cast<quint32*>(out) : packed.data());
+        if (!isWide)
+            closeUp(packed.data(), image.width, out);
+    }
+    return picture;
 }
 
 QImage toQImage(const zre::Image& image)
 {
-    if (!image.usable())
-        return {};
-    QImage picture(image.width, image.height, QImage::Format_RGBA8888);
-    if (picture.isNull())
-        return {};
-    const int last = image.channels - 1;
-    for (int y = 0; y < image.height; ++y) {
-        const std::size_t row = static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width);
-        const float* r = image.plane(0) + row;
-        const float* g = image.plane(std::min(1, last)) + row;
-        const float* b = image.plane(std::min(2, last)) + row;
-        uchar* out = picture.scanLine(y);
-        for (int x = 0; x < image.width; ++x, out += 4) {
-            out[0] = byteOf(r[x]);
-            out[1] = byteOf(g[x]);
-            out[2] = byteOf(b[x]);
-            out[3] = 255;
-        }
-    }
-    return picture;
+    return toQImage(image, QImage::Format_RGBA8888);
 }
 
 zre::Image fromQImage(const QImage& picture)

@@ -11,6 +11,10 @@ namespace zre_qt {
 /// out.
 QImage toQImage(const zre::Image& image);
 
+/// The same picture made straight in `format`: Format_RGBA8888, Format_RGB32 as it is painted
+/// fastest, or Format_RGB888. A null picture for any other.
+QImage toQImage(const zre::Image& image, QImage::Format format);
+
 /// Three channels from the picture's 8-bit RGB; a null picture gives a default-constructed image.
 zre::Image fromQImage(const QImage& picture);
 

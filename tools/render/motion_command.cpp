@@ -10,14 +10,15 @@
 #include <QtEndian>
 
 #include "app/export/frame_farm.h"
+#include "app/export/image_pool.h"
 #include "app/export/motion_frame.h"
+#include "app/export/motion_pictures.h"
 #include "app/export/spatial_video.h"
 #include "app/export/video_encoder.h"
 #include "app/export/video_plan.h"
 #include "app/persist/appcfg.h"
 #include "app/session/motion.h"
 #include "app/session/render_pipeline.h"
-#include "engine/qt/zre_qt.h"
 #include "tools/render/command_line.h"
 #include "tools/render/render_request.h"
 #include "tools/render/still_output.h"
@@ -232,14 +233,15 @@ Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunCont
         return Outcome::failed(error);
     const auto existing =
         request.resume ? StagedOutputs::Existing::Replaced : StagedOutputs::Existing::Kept;
+    ImagePool pool;
     // The frame itself stays with the worker: what the farm hands on only says that it is written.
     const auto renderOne = [&](int index) {
         const int frame = missing[static_cast<std::size_t>(index)];
         const QString path = framePath(request.output, frame);
-        zre::Image image;
-        renderMotionFrame(inputs, frame, request.stereo3d, image);
+        ImagePool::Loan image(pool);
+        renderMotionFrame(inputs, frame, request.stereo3d, *image);
         const Outcome written =
-            writeStaged(path, image, nullptr, QString::number(request.bits), context.outputs);
+            writeStaged(path, *image, nullptr, QString::number(request.bits), context.outputs);
         QString why = written.message;
         if (!written.isDone() || !context.outputs.commitFile(path, &why, existing))
             throw std::runtime_error(why.toStdString());
@@ -295,11 +297,7 @@ Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunConte
     job.path = *staged;
     job.packed = made.size;
     job.frames = made.frames;
-    job.render = [&](int frame) {
-        zre::Image image;
-        renderMotionFrame(inputs, request.first + frame, request.stereo3d, image);
-        return zre_qt::toQImage(image);
-    };
+    job.render = motionPictures(inputs, request.first, request.stereo3d, QImage::Format_RGB888);
     FrameReport report(context.console, made.frames);
     const VideoResult result = encodeVideo(job, [&](const VideoProgress& progress) {
         report.tell(progress.done);

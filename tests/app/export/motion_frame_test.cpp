@@ -1,7 +1,10 @@
 #include "app/export/motion_frame.h"
 
+#include "app/export/frame_farm.h"
+#include "app/export/motion_pictures.h"
 #include "app/export/video_plan.h"
 #include "engine/flight/flyby_frame.h"
+#include "engine/qt/zre_qt.h"
 #include "engine/stereo/views.h"
 #include "tests/support/testkit.h"
 
@@ -74,6 +77,22 @@ TEST(MotionFrame, EveryFormatHasItsSize)
     scene.inputs.flyby = false;
     scene.inputs.params.wiggleFrames = 0;
     EXPECT_EQ(scene.inputs.frames(), 30);
+}
+
+TEST(MotionPictures, MemoryUsedAgainNeverShowsInAPicture)
+{
+    Scene scene;
+    scene.inputs.params.wiggleAmplitude = 1.0f;
+    const auto picture = motionPictures(scene.inputs, 2, kFlat, QImage::Format_RGB888);
+    FrameFarm farm({12, 3, 12}, picture);
+    for (int i = 0; i < 12; ++i) {
+        ASSERT_TRUE(farm.waitForNext(20000));
+        EXPECT_EQ(farm.takeNext(),
+                  zre_qt::toQImage(scene.frame(i + 2, kFlat), QImage::Format_RGB888))
+            << i;
+    }
+    scene.image = {};
+    EXPECT_TRUE(picture(0).isNull());
 }
 
 } // namespace

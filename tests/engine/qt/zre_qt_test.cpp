@@ -38,6 +38,19 @@ TEST(ZreQt, PlanesAndRowsKeepTheirPlaces)
     EXPECT_TRUE(zrtest::imagesNear(back, image, 0.5001 / 255));
 }
 
+TEST(ZreQt, EveryFormatShowsTheSamePicture)
+{
+    for (const int width : {1, 3, 4, 7, 64, 131}) {
+        zre::Image image = zrtest::noise(width, 5, 1, 9);
+        for (float& v : image.data)
+            v = v * 1.4f - 0.2f;
+        const QImage picture = zre_qt::toQImage(image);
+        for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_RGB888})
+            EXPECT_EQ(zre_qt::toQImage(image, format), picture.convertToFormat(format)) << width;
+    }
+    EXPECT_TRUE(zre_qt::toQImage(zrtest::noise(4, 4, 1, 1), QImage::Format_Mono).isNull());
+}
+
 TEST(ZreQt, NothingGivesNothing)
 {
     EXPECT_TRUE(zre_qt::toQImage(zre::Image()).isNull());
