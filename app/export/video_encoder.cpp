@@ -97,6 +97,10 @@ private:
     {
         const QImage frame = picture.convertToFormat(QImage::Format_RGB888);
         const auto rowBytes = qint64{frame.width()} * 3;
+        if (frame.bytesPerLine() == rowBytes) {
+            m_process.write(reinterpret_cast<const char*>(frame.constBits()), frame.sizeInBytes());
+            return;
+        }
         for (int y = 0; y < frame.height(); ++y)
             m_process.write(reinterpret_cast<const char*>(frame.constScanLine(y)), rowBytes);
     }

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include "app/export/frame_farm.h"
+#include "app/export/motion_pictures.h"
 #include "app/export/spatial_video.h"
 #include "app/export/video_plan.h"
 #include "app/mainwindow/prompter.h"
@@ -15,7 +16,6 @@
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 #include "app/video/encode_dialog.h"
-#include "engine/qt/zre_qt.h"
 
 namespace {
 
@@ -41,15 +41,6 @@ const MotionWords& wordsOf(bool flyby)
 FlybyOptions flybyOptions()
 {
     return {appcfg::ongoingFlybyWiggle(), appcfg::flybyContinuousLoop()};
-}
-
-std::function<QImage(int)> frameRenderer(const MotionInputs& inputs, int stereo3d)
-{
-    return [&inputs, stereo3d](int frame) {
-        zre::Image image;
-        renderMotionFrame(inputs, frame, stereo3d, image);
-        return zre_qt::toQImage(image);
-    };
 }
 
 } // namespace
@@ -183,7 +174,7 @@ void VideoExportController::encodeVideo(bool flyby)
     job.path = path;
     job.packed = packedSize(plan.stereo3d, plan.frame);
     job.frames = inputs.frames();
-    job.render = frameRenderer(inputs, plan.stereo3d);
+    job.render = motionPictures(inputs, 0, plan.stereo3d, QImage::Format_RGB888);
     const int threads = FrameFarm::threadsFor(frameBatch(job.packed, job.frames));
     m_host.showStatus(QString("Saving %1 using %2 thread%3...")
                           .arg(words.name)
@@ -215,7 +206,7 @@ bool VideoExportController::encodeSbsMotionMp4(const PairStream& stream)
     job.path = stream.path;
     job.packed = packedSize(kSideBySide, inputs.frameSize());
     job.frames = inputs.frames();
-    job.render = frameRenderer(inputs, kSideBySide);
+    job.render = motionPictures(inputs, 0, kSideBySide, QImage::Format_RGB888);
     job.arguments = [&](const QString& to) {
         return sideBySideArguments(job.packed, spatialTarget(job.packed, stream.width), fps,
                                    stream.extraArgs, to);

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <optional>
-#include <vector>
 
 #include "engine/image/multiversion.h"
 
@@ -14,13 +12,12 @@ namespace zre_qt {
 
 namespace {
 
-/// Where the bytes of a pixel stand in a word of 32 bits.
+/// Where the bytes of a pixel stand in a word of 32 bits; the highest is its opacity.
 struct PixelShifts
 {
-    int red = 0;
-    int green = 8;
-    int blue = 16;
-    quint32 alpha = 0;
+    int red;
+    int green;
+    int blue;
 };
 
 /// Rows of the three channels that are shown.
@@ -50,33 +47,32 @@ ZR_MULTIVERSION void packRow(const Row& row, const PixelShifts& shifts, quint32*
     const int width = row.width;
     for (int x = 0; x < width; ++x)
         out[x] = byteOf(red[x]) << at.red | byteOf(green[x]) << at.green |
-                 byteOf(blue[x]) << at.blue | at.alpha;
+                 byteOf(blue[x]) << at.blue | 0xff000000u;
 }
 
-/// Pixels of four bytes, the last of them 0, closed up to three.
-void closeUp(const quint32* in, int width, uchar* out)
+/// The three bytes of Format_RGB888.
+ZR_MULTIVERSION void closeRow(const Row& row, uchar* __restrict out)
 {
-    int x = 0;
-    for (; x + 4 <= width; x += 4, out += 12) {
-        const quint32* const p = in + x;
-        const quint32 words[]{p[0] | p[1] << 24, p[1] >> 8 | p[2] << 16, p[2] >> 16 | p[3] << 8};
-        std::memcpy(out, words, sizeof words);
+    const float* const red = row.red;
+    const float* const green = row.green;
+    const float* const blue = row.blue;
+    const int width = row.width;
+    for (int x = 0; x < width; ++x) {
+        out[3 * x] = static_cast<uchar>(byteOf(red[x]));
+        out[3 * x + 1] = static_cast<uchar>(byteOf(green[x]));
+        out[3 * x + 2] = static_cast<uchar>(byteOf(blue[x]));
     }
-    for (; x < width; ++x, out += 3)
-        std::memcpy(out, in + x, 3);
 }
 
+/// Nothing for a format that is not made of words.
 std::optional<PixelShifts> shiftsOf(QImage::Format format)
 {
     static_assert(std::endian::native == std::endian::little);
-    constexpr quint32 kOpaque = 0xff000000u;
     switch (format) {
     case QImage::Format_RGBA8888:
-        return PixelShifts{.alpha = kOpaque};
+        return PixelShifts{0, 8, 16};
     case QImage::Format_RGB32:
-        return PixelShifts{16, 8, 0, kOpaque};
-    case QImage::Format_RGB888:
-        return PixelShifts{};
+        return PixelShifts{16, 8, 0};
     default:
         return std::nullopt;
     }
@@ -106,22 +102,21 @@ QImage newPicture(int width, int height, QImage::Format format)
 QImage toQImage(const zre::Image& image, QImage::Format format)
 {
     const std::optional<PixelShifts> shifts = shiftsOf(format);
-    if (!image.usable() || !shifts)
+    if (!image.usable() || (!shifts && format != QImage::Format_RGB888))
         return {};
     QImage picture = newPicture(image.width, image.height, format);
     if (picture.isNull())
         return {};
-    const bool isWide = format != QImage::Format_RGB888;
-    std::vector<quint32> packed(isWide ? 0 : static_cast<std::size_t>(image.width));
     const int last = image.channels - 1;
     for (int y = 0; y < image.height; ++y) {
         const std::size_t at = static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width);
         const Row row{image.plane(0) + at, image.plane(std::min(1, last)) + at,
                       image.plane(std::min(2, last)) + at, image.width};
         uchar* const out = picture.scanLine(y);
-        packRow(row, *shifts, isWide ? reinterpret_cast<quint32*>(out) : packed.data());
-        if (!isWide)
-            closeUp(packed.data(), image.width, out);
+        if (shifts)
+            packRow(row, *shifts, reinterpret_cast<quint32*>(out));
+        else
+            closeRow(row, out);
     }
     return picture;
 }
