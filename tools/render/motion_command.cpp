@@ -217,7 +217,8 @@ struct Made
     int frames = 0; ///< of the range
     int kept = 0;
     int fps = 0;
-    QSize size;
+    QSize size;    ///< of the frames as they are rendered
+    QSize written; ///< as they stand in the output
 };
 
 Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunContext& context,
@@ -283,7 +284,7 @@ QStringList argumentsFor(const Request& request, const VideoPlan& plan, const QS
 }
 
 Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunContext& context,
-                    const Made& made)
+                    Made& made)
 {
     QString error;
     const std::optional<QString> staged = context.outputs.stage(request.output, &error);
@@ -291,6 +292,11 @@ Outcome renderVideo(const Request& request, const MotionInputs& inputs, RunConte
         return Outcome::failed(error);
     VideoPlan plan{request.format, request.stereo3d,   request.box,
                    made.fps,       inputs.frameSize(), inputs.stars && !inputs.stars->empty()};
+    made.written = videoFit(plan).video;
+    if (request.isSpatial()) {
+        const QSize target = spatialTargetIn(plan.frame, plan.box);
+        made.written = target.isEmpty() ? made.size : target;
+    }
     VideoJob job;
     job.encoder = appcfg::ffmpegResolved();
     job.arguments = [&](const QString& path) { return argumentsFor(request, plan, path); };
@@ -341,6 +347,7 @@ Outcome renderMotion(Request& request, const MotionFacts& facts, Session& sessio
     made.frames = request.end - request.first;
     made.fps = request.fps > 0 ? request.fps : facts.fps;
     made.size = packedSize(request.stereo3d, inputs.frameSize());
+    made.written = made.size;
     return request.format == kFolder ? renderFolder(request, inputs, context, made)
                                      : renderVideo(request, inputs, context, made);
 }
@@ -375,8 +382,8 @@ Outcome runMotion(const Invocation& invocation, RunContext& context)
     QString line = QStringLiteral("%1: %2 frames  -  %3 x %4  -  %5 frames a second")
                        .arg(request.output)
                        .arg(made.frames)
-                       .arg(made.size.width())
-                       .arg(made.size.height())
+                       .arg(made.written.width())
+                       .arg(made.written.height())
                        .arg(made.fps);
     if (made.kept > 0)
         line += QStringLiteral("  -  %1 kept").arg(made.kept);
@@ -386,6 +393,8 @@ Outcome runMotion(const Invocation& invocation, RunContext& context)
                                 {"frames", made.frames},
                                 {"kept", made.kept},
                                 {"framesPerSecond", made.fps},
+                                {"width", made.written.width()},
+                                {"height", made.written.height()},
                                 {"renderedWidth", made.size.width()},
                                 {"renderedHeight", made.size.height()}});
     return Outcome::done();

@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "app/flyby/script_editor.h"
 #include "app/main/app_icon.h"
@@ -21,6 +22,7 @@
 #include "app/prefs/splash_screen.h"
 #include "app/prefs/theme_manager.h"
 #include "app/session/output_view.h"
+#include "app/video/encode_dialog.h"
 #include "engine/demo/demo_scene.h"
 #include "engine/qt/zre_qt.h"
 
@@ -166,6 +168,33 @@ static bool grabScriptEditor(MainWindow& window, const QString& folder, const QS
     return saved;
 }
 
+/// The dialog that the action brings up, which ends with its picture.
+static bool grabDialog(MainWindow& window, const char* action, const QString& folder,
+                       const QString& name)
+{
+    bool saved = false;
+    QTimer::singleShot(0, &window, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        saved = dialog && grab(*dialog, folder, name);
+        if (dialog)
+            dialog->reject();
+    });
+    window.findChild<QAction*>(action)->trigger();
+    return saved;
+}
+
+static bool grabExports(MainWindow& window, const QString& folder)
+{
+    bool saved = grabDialog(window, "exportWiggle", folder, "export-video");
+    saved = grabDialog(window, "exportVR180", folder, "export-vr180") && saved;
+    zre::Image picture;
+    window.renderCurrentViewFullRes(picture);
+    const QImage frame = zre_qt::toQImage(picture);
+    EncodeDialog encoding("Exporting video", "Encoding parallax motion...", 30, &window);
+    encoding.advance({11, 30, &frame});
+    return grab(encoding, folder, "export-progress") && saved;
+}
+
 /// usage: zr_screenshots FOLDER [IMAGE]: pictures of the splash, the preferences and the window,
 /// empty and with IMAGE or the built-in scene in each view, tab and theme.
 int main(int argc, char** argv)
@@ -213,6 +242,7 @@ int main(int argc, char** argv)
     saved = grabStars(window, arguments[1]) && saved;
     saved = grabPlayback(window, arguments[1], "window-playing") && saved;
     saved = grabScriptEditor(window, arguments[1], "script-editor") && saved;
+    saved = grabExports(window, arguments[1]) && saved;
     theme.setModeTransient(ThemeManager::Mode::Light);
     saved = grabPlayback(window, arguments[1], "window-playing-light") && saved;
     saved = grabScriptEditor(window, arguments[1], "script-editor-light") && saved;
