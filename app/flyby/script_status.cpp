@@ -6,19 +6,12 @@
 
 using Errors = std::vector<zre::ZRFlybyError>;
 
-/// The errors at their places in the script: the compiler counts the lines of the expanded one.
+/// The errors at their places in the script.
 static std::vector<ScriptStatus::Complaint> placed(const std::string& script, const Errors& errors)
 {
-    std::string expanded;
-    Errors structural;
-    std::vector<zre::ZRFlybySrcRef> refs;
-    const bool mapped = zre::ZRFlybyScript::ExpandGraphicBlock(script, expanded, structural, &refs);
     std::vector<ScriptStatus::Complaint> complaints;
-    for (const zre::ZRFlybyError& error : errors) {
-        const auto at = static_cast<std::size_t>(error.line) - 1;
-        const int line = mapped && error.line > 0 && at < refs.size() ? refs[at].line : error.line;
-        complaints.push_back({line, QString::fromStdString(error.message)});
-    }
+    for (const zre::ZRFlybyError& error : errorsInSource(script, errors))
+        complaints.push_back({error.line, QString::fromStdString(error.message)});
     return complaints;
 }
 

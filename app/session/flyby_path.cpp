@@ -30,6 +30,20 @@ static QString statusOf(const QString& script, const FlybyPath& path)
     return QStringLiteral("Compiled: %1 frames.").arg(path.cameras.size());
 }
 
+std::vector<zre::ZRFlybyError> errorsInSource(const std::string& script,
+                                              std::vector<zre::ZRFlybyError> errors)
+{
+    std::string expanded;
+    std::vector<zre::ZRFlybyError> structural;
+    std::vector<zre::ZRFlybySrcRef> refs;
+    if (!zre::ZRFlybyScript::ExpandGraphicBlock(script, expanded, structural, &refs))
+        return errors; // they stand where they are: nothing was written out
+    for (zre::ZRFlybyError& error : errors)
+        if (error.line > 0 && static_cast<std::size_t>(error.line) <= refs.size())
+            error.line = refs[static_cast<std::size_t>(error.line) - 1].line;
+    return errors;
+}
+
 FlybyPath compileFlyby(const QString& script, const zre::ZRParams& params, int width, int height,
                        const FlybyOptions& options)
 {

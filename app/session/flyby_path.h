@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include <QString>
@@ -25,6 +26,11 @@ struct FlybyPath
     bool builtIn = false;
     QString status; ///< for the user
 };
+
+/// `errors` of a compile at their lines of `script`: the compiler counts those of the script in
+/// which drawn paths are written out as commands.
+std::vector<zre::ZRFlybyError> errorsInSource(const std::string& script,
+                                              std::vector<zre::ZRFlybyError> errors);
 
 /// Compiles `script` for a picture of `width` by `height` pixels; an empty or failed one, and one
 /// of a flight through space, gives the built-in push-in loop.

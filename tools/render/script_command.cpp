@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -25,15 +27,18 @@ Outcome compile(const Invocation& invocation, Script& script)
         outcome = readSize(invocation, script.width, script.height);
     if (outcome.isDone())
         script.path = compileFlyby(text, {}, script.width, script.height, {});
+    script.path.errors = errorsInSource(text.toStdString(), std::move(script.path.errors));
     return outcome;
 }
 
 Outcome failure(const QString& file, const FlybyPath& path)
 {
     const zre::ZRFlybyError& first = path.errors.front();
-    return Outcome::failed(QStringLiteral("%1: %2 errors, the first in line %3: %4")
+    return Outcome::failed(QStringLiteral("%1: %2, the first in line %3: %4")
                                .arg(file)
-                               .arg(path.errors.size())
+                               .arg(path.errors.size() == 1
+                                        ? QStringLiteral("1 error")
+                                        : QStringLiteral("%1 errors").arg(path.errors.size()))
                                .arg(first.line)
                                .arg(QString::fromStdString(first.message)));
 }
@@ -88,10 +93,11 @@ Outcome runScriptCheck(const Invocation& invocation, RunContext& context)
                                            {"seconds", seconds},
                                            {"builtIn", path.builtIn && ok}});
     else
-        context.console.answer(ok ? QStringLiteral("%1: %2 frames, %3 seconds\n")
+        context.console.answer(ok ? QStringLiteral("%1: %2 frames, %3 seconds%4\n")
                                         .arg(invocation.operand)
                                         .arg(frames)
                                         .arg(seconds, 0, 'f', 2)
+                                        .arg(path.builtIn ? "  -  " + path.status : QString())
                                   : lines);
     return ok ? Outcome::done() : failure(invocation.operand, path);
 }

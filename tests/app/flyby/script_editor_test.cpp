@@ -2,8 +2,11 @@
 
 #include <deque>
 
+#include <QApplication>
+#include <QDragEnterEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -139,15 +142,38 @@ TEST_F(ScriptEditorTest, MarksFollowTheErrorsAndTheEdits)
     EXPECT_EQ(text().markOf(5), QString());
 }
 
-TEST_F(ScriptEditorTest, GutterGrowsWithTheNumberOfLines)
+TEST_F(ScriptEditorTest, OnlyTheErrorsInViewCostAnything)
 {
-    const int few = text().lineNumberAreaWidth();
-    editor.setScript(QString("hold 1\n").repeated(98));
-    EXPECT_EQ(text().lineNumberAreaWidth(), few);
-    editor.setScript(QString("hold 1\n").repeated(99));
-    EXPECT_EQ(text().lineNumberAreaWidth(), few + text().fontMetrics().horizontalAdvance('9'));
-    editor.setScript(QString("hold 1\n").repeated(9999));
-    EXPECT_EQ(text().lineNumberAreaWidth(), few + 3 * text().fontMetrics().horizontalAdvance('9'));
+    const int lines = 20000;
+    editor.setScript(QString("fly\n").repeated(lines));
+    editor.show();
+    for (const int line : {1, lines / 2, lines}) {
+        text().goToLine(line);
+        EXPECT_EQ(text().markOf(line), "Unknown command 'fly'.");
+        int waves = 0;
+        for (const QTextEdit::ExtraSelection& each : text().extraSelections())
+            waves += each.format.underlineStyle() == QTextCharFormat::WaveUnderline &&
+                     each.cursor.blockNumber() == line - 1;
+        EXPECT_EQ(waves, 1) << line;
+        EXPECT_LT(text().extraSelections().size(), 200);
+    }
+}
+
+TEST_F(ScriptEditorTest, AFileThatIsDroppedIsLoaded)
+{
+    QFile file(folder.filePath("dropped.zrsc"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("hold 8");
+    file.close();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file.fileName())});
+    QDragEnterEvent enter({30, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(text().viewport(), &enter);
+    QDropEvent drop({30, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(text().viewport(), &drop);
+    QApplication::processEvents();
+    EXPECT_EQ(editor.scriptText(), "hold 8");
+    EXPECT_FALSE(editor.isOnlyHere());
 }
 
 TEST_F(ScriptEditorTest, CompletesWhileTypingAndWhenAsked)

@@ -494,6 +494,9 @@ TEST_F(Program, AScriptIsCheckedByLineAndGivesACameraForEachFrame)
     const Spoken bad = run("script check @bad.txt");
     EXPECT_EQ(bad.code, 1);
     EXPECT_THAT(bad.out, HasSubstr("bad.txt:3: "));
+    std::ofstream(folder / "drawn.txt") << "path_start x=1 y=1 zoom=1 ease=in\nfrobnicate\n";
+    EXPECT_THAT(run("script check @drawn.txt").out, HasSubstr("drawn.txt:2: "))
+        << "the file's line";
     const Spoken frames = run("script frames @good.txt --size 36x24 --json");
     const QStringList lines = QString::fromStdString(frames.out).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 30);
