@@ -1,5 +1,7 @@
 #include "app/flyby/scc_dialog.h"
 
+#include <algorithm>
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -29,13 +31,24 @@ SccDialog::SccDialog(int w, int h, QWidget* parent)
         m_fields[i]->setRange(0, kLargestSide);
         m_fields[i]->setSuffix(" px");
         m_fields[i]->setValue(i % 2 == 0 ? w : h);
+        connect(m_fields[i], &QSpinBox::valueChanged, this, &SccDialog::refreshConvert);
         form->addRow(kLabels[i], m_fields[i]);
     }
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText("Convert");
+    m_convert = buttons->button(QDialogButtonBox::Ok);
+    m_convert->setText("Convert");
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
+    refreshConvert();
+}
+
+/// There is nothing to convert between equal sizes, nor from or to none.
+void SccDialog::refreshConvert()
+{
+    const bool sizes = std::all_of(m_fields.begin(), m_fields.end(),
+                                   [](const QSpinBox* field) { return field->value() > 0; });
+    m_convert->setEnabled(sizes && (oldW() != newW() || oldH() != newH()));
 }
 
 void SccDialog::setNewSize(int w, int h)

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 
+class QPushButton;
 class QSpinBox;
 
 /// "Script Coordinates Converter": asks for the size that a flyby script was written for and the
@@ -27,5 +28,8 @@ public:
 private:
     int value(std::size_t field) const;
 
-    std::array<QSpinBox*, 4> m_fields{};
+    void refreshConvert();
+
+    std::array<QSpinBox*, 4> m_fields{}; ///< children, as the next
+    QPushButton* m_convert = nullptr;
 };

@@ -66,7 +66,7 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     , m_spatial(*this, *this, m_videos)
     , m_starTable(*this, *this, *m_preview, [this] { renderNow(); })
     , m_flybyScript(
-          *this, *this, [this] { playFlyby(); }, [this] { refreshPlayback(); })
+          *this, *this, [this] { m_playback.playFlyby(); }, [this] { refreshPlayback(); })
     , m_preferences(
           *this, *this, [this] { settingsChanged(); }, [this] { modelsChanged(); })
 {
@@ -229,13 +229,6 @@ void MainWindow::onOutputModeChanged(int view)
 {
     m_playback.dropPlayback();
     m_render.onOutputModeChanged(view);
-}
-
-void MainWindow::playFlyby()
-{
-    auto* action = findChild<QAction*>("playFlyby");
-    if (!action->isChecked() || !refreshPlayback())
-        action->setChecked(true);
 }
 
 void MainWindow::showZoom(double scale, bool fitted)

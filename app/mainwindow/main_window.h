@@ -213,7 +213,6 @@ private:
     void zoomToFit();
     void zoomToPixels();
     void showStarTable() { m_starTable.showStarTable(); }
-    void playFlyby();
     void pausePlayback() { m_playback.onPauseClicked(); }
     void previousFrame() { m_playback.step(-1); }
     void nextFrame() { m_playback.step(1); }

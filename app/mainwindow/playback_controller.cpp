@@ -206,6 +206,18 @@ void PlaybackController::onPlayClicked()
         (m_flyby ? m_actions.flyby : m_actions.wiggle)->setChecked(true);
 }
 
+void PlaybackController::playFlyby()
+{
+    if (!m_actions.flyby->isChecked()) {
+        m_actions.flyby->setChecked(true);
+        return;
+    }
+    m_paused = false;
+    m_frame = 0;
+    m_bar->setPaused(false);
+    refreshPlayback();
+}
+
 void PlaybackController::onPauseClicked()
 {
     if (m_active)

@@ -47,6 +47,8 @@ public:
     void onStopClicked();
     /// Plays what was played last, or pauses, or goes on.
     void onPlayClicked();
+    /// Plays the flyby of the session from its start.
+    void playFlyby();
     /// Pauses or goes on; nothing while nothing plays.
     void onPauseClicked();
     /// Pauses and shows the frame so many frames on, round the end.

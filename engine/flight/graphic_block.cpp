@@ -371,9 +371,8 @@ public:
         for (std::size_t i = 0; i < m_layout.lines.size(); ++i) {
             const std::string& word = m_layout.words[i];
             if (word == "path_start") {
-                writePoint(i, 1, &startCommands, [](std::string_view name) {
-                    return name == "hold" || contains(kStartNames, name);
-                });
+                writePoint(i, 1, &startCommands,
+                           [](std::string_view name) { return contains(kStartNames, name); });
             } else if (word == "path_begin") {
                 writeBlock();
                 i = m_layout.end.first;

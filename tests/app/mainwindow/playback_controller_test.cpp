@@ -88,6 +88,8 @@ struct Playing : testing::Test
             host.document.params.wiggleFps ^= 1; // shapes no frame
             playback.refreshPlayback();
             return;
+        case 'p':
+            return playback.playFlyby();
         case 'x':
             return playback.onStopClicked();
         default:
@@ -113,7 +115,7 @@ struct Playing : testing::Test
 
 /// What the user does, a letter each: t a tick, k pause or resume, "." and "," a frame on and back,
 /// w a while in which a timer could tick, c a change of parameters, a digit the timeline dragged
-/// to that frame, x stop.
+/// to that frame, p the flyby anew, x stop.
 struct Course
 {
     bool flyby;
@@ -143,6 +145,7 @@ TEST_F(Playing, FramesComeInTheOrderThatTheUserSees)
         {true, false, five, "4t", "04", false},
         {true, true, five, "4t", "040", true},
         {true, true, five, "kw4w", "04", true},
+        {true, true, five, "ttkpt", "01201", true}, // played anew
     };
     for (const Course& course : courses) {
         const std::string name = course.script + std::string(course.deeds);
