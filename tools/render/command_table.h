@@ -52,6 +52,7 @@ enum class Option
     Truth,
     Wiggle,
     Flyby,
+    ScriptSize,
     Stereo,
     Fps,
     Frames,
@@ -243,6 +244,8 @@ inline constexpr std::array kOptions{
                "render the parallax motion, as long as the parameter wiggleFrames says"},
     OptionSpec{Option::Flyby, 0, "flyby", "SCRIPT", Completes::Files, kAnyValue, false, false, kMotion,
                "render the flight that the file tells; one without commands gives the built-in flight"},
+    OptionSpec{Option::ScriptSize, 0, "script-size", "WxH", Completes::Nothing, kAnyValue, false, false, kMotion,
+               "size of the picture that the script was written for: its path is brought to the size of IN"},
     OptionSpec{Option::Stereo, 0, "stereo", "FORMAT", Completes::Choices, kStereoChoices, false, false, kMotion,
                "how both eyes travel in one picture: flat (the default), red/cyan, side by side in full or half "
                "width, or one above the other"},

@@ -17,6 +17,7 @@
 #include "app/export/video_encoder.h"
 #include "app/export/video_plan.h"
 #include "app/persist/appcfg.h"
+#include "app/session/carry_over.h"
 #include "app/session/motion.h"
 #include "app/session/render_pipeline.h"
 #include "tools/render/command_line.h"
@@ -46,6 +47,7 @@ struct Request
     bool vr180 = false;
     bool appleSpatial = false;
     bool resume = false;
+    QSize scriptSize; ///< that the script was written for; empty for that of the image
 
     bool isSpatial() const { return vr180 || appleSpatial; }
 };
@@ -95,6 +97,8 @@ Outcome checkTogether(const Invocation& invocation, const Request& request)
         return Outcome::usage(QStringLiteral("--vr180 and --apple-spatial take --stereo sbs only"));
     if (request.format == kGif && request.stereo3d >= kSideBySide)
         return Outcome::usage(QStringLiteral("a GIF takes --stereo 2d or anaglyph only"));
+    if (!request.flyby && invocation.has(Option::ScriptSize))
+        return Outcome::usage(QStringLiteral("--script-size is for --flyby"));
     if (isFolder && invocation.has(Option::Size))
         return Outcome::usage(QStringLiteral("--size is for videos: frames keep their size"));
     if (!isFolder && (request.resume || invocation.has(Option::Bits)))
@@ -128,6 +132,10 @@ Outcome readRequest(const Invocation& invocation, Request& request)
         outcome = readRange(invocation.value(Option::Frames), request);
     if (outcome.isDone() && invocation.has(Option::Size))
         outcome = readSize(invocation, request.box.rwidth(), request.box.rheight());
+    if (outcome.isDone() && invocation.has(Option::ScriptSize)) {
+        QSize& size = request.scriptSize;
+        outcome = readSize(invocation, size.rwidth(), size.rheight(), Option::ScriptSize);
+    }
     return outcome;
 }
 
@@ -371,6 +379,7 @@ Outcome runMotion(const Invocation& invocation, RunContext& context)
     if (outcome.isDone())
         outcome = openInputs(invocation, session, context.console);
     session.flybyScript = script;
+    rescaleFlybyPath(session, request.scriptSize, {session.source.width, session.source.height});
     if (outcome.isDone()) {
         facts = motionFacts(session, request.flyby, {});
         outcome = checkScript(invocation, facts.path);

@@ -221,16 +221,22 @@ static bool readSide(const QString& text, int& side)
     return ok && side >= kSmallestSide && side <= kLargestSide;
 }
 
-Outcome readSize(const Invocation& invocation, int& width, int& height)
+Outcome readSize(const Invocation& invocation, int& width, int& height, Option option)
 {
-    const QString size = invocation.value(Option::Size);
+    const QString size = invocation.value(option);
     const QStringList sides = size.toLower().split(QLatin1Char('x'));
-    if (sides.size() == 2 && readSide(sides[0], width) && readSide(sides[1], height))
-        return Outcome::done();
-    return Outcome::usage(QStringLiteral("--size takes WxH, %1 to %2 a side, not %3")
-                              .arg(kSmallestSide)
-                              .arg(kLargestSide)
-                              .arg(size));
+    int wide = 0;
+    int high = 0;
+    if (sides.size() != 2 || !readSide(sides[0], wide) || !readSide(sides[1], high))
+        return Outcome::usage(
+            QStringLiteral("--%1 takes WxH, %2 to %3 a side, not %4")
+                .arg(QLatin1String(option == Option::Size ? "size" : "script-size"))
+                .arg(kSmallestSide)
+                .arg(kLargestSide)
+                .arg(size));
+    width = wide;
+    height = high;
+    return Outcome::done();
 }
 
 Outcome readScript(const QString& path, QString& text)

@@ -16,8 +16,9 @@ Outcome readParameters(const Invocation& invocation, const QString& output, Sess
 /// Opens the image or the pair, and the depth map where one is named.
 Outcome openInputs(const Invocation& invocation, Session& session, Console& console);
 
-/// The size that --size gives, which leaves what it does not fit in.
-Outcome readSize(const Invocation& invocation, int& width, int& height);
+/// The size that `option`, of the form WxH, gives; one that does not fit leaves both as they are.
+Outcome readSize(const Invocation& invocation, int& width, int& height,
+                 Option option = Option::Size);
 
 /// Reads a flyby script: a text of at most a few megabytes in UTF-8.
 Outcome readScript(const QString& path, QString& text);

@@ -447,6 +447,19 @@ TEST_F(Program, FramesOfAMotionComeInPartsAsInOneRunAndOnlyTheMissingAreRendered
     }
 }
 
+TEST_F(Program, AScriptForAPictureOfAnotherSizeFliesTheSamePath)
+{
+    std::ofstream(folder / "own.txt") << "zoom 3\nmoveto 9 12 2\nmoveto 27 6 2\n";
+    std::ofstream(folder / "large.txt") << "zoom 3\nmoveto 900 600 2\nmoveto 2700 300 2\n";
+    ok("motion @in.tif --stretch none --flyby @own.txt -o @own --frames :4");
+    ok("motion @in.tif --stretch none --flyby @large.txt --script-size 3600x1200 -o @large "
+       "--frames :4");
+    for (const auto& entry : fs::directory_iterator(folder / "own"))
+        EXPECT_EQ(bytesOf(entry.path()), bytesOf(folder / "large" / entry.path().filename()))
+            << entry.path();
+    EXPECT_EQ(listing(folder / "own").size(), 4u);
+}
+
 TEST_F(Program, VideosHaveTheSizeFramesAndRateAskedFor)
 {
     const std::string probe = "/usr/bin/ffprobe";
@@ -475,11 +488,13 @@ TEST_F(Program, VideosHaveTheSizeFramesAndRateAskedFor)
     }
     EXPECT_THAT(bytesOf(folder / "vr.mp4"), HasSubstr("st3d"));
     EXPECT_THAT(bytesOf(folder / "apple.mp4"), HasSubstr("vexu"));
-    for (const QString refused : {"--wiggle -o @a.gif --stereo sbs", "--wiggle -o @a.gif --vr180",
-                                  "--wiggle -o @a.mp4 --resume", "-o @a.mp4",
-                                  "--wiggle -o @dir "
-                                  "--frames 4:2",
-                                  "--wiggle --flyby @tour.txt -o @dir"})
+    for (const QString refused :
+         {"--wiggle -o @a.gif --stereo sbs", "--wiggle -o @a.gif --vr180",
+          "--wiggle -o @a.mp4 --resume", "-o @a.mp4",
+          "--wiggle -o @dir "
+          "--frames 4:2",
+          "--wiggle -o @dir --script-size 36x24", "--flyby @tour.txt -o @dir --script-size 36",
+          "--wiggle --flyby @tour.txt -o @dir"})
         EXPECT_EQ(run("motion @in.tif " + refused).code, 2) << refused.toStdString();
 }
 
