@@ -2,8 +2,8 @@
 
 #include <QDialog>
 
-#include "app/flyby/script_file.h"
 #include "app/flyby/script_status.h"
+#include "app/session/script_file.h"
 
 class CodeEdit;
 class FindBar;

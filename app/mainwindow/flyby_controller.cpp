@@ -6,13 +6,13 @@
 #include <QMenu>
 
 #include "app/flyby/flyby_examples.h"
-#include "app/flyby/script_file.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/persist/appcfg.h"
 #include "app/persist/recent_files.h"
 #include "app/session/carry_over.h"
 #include "app/session/flyby_path.h"
+#include "app/session/script_file.h"
 #include "app/session/session.h"
 
 static QSize sizeOfSource(const Session& session)

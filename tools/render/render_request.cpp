@@ -1,6 +1,8 @@
 #include "tools/render/render_request.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include <QFile>
 #include <QFileInfo>
@@ -9,6 +11,7 @@
 #include "app/persist/param_table.h"
 #include "app/persist/param_text.h"
 #include "app/session/open_document.h"
+#include "app/session/script_file.h"
 #include "engine/inference/ai_depth.h"
 #include "engine/inference/starless_ai.h"
 #include "engine/params/param_ranges.h"
@@ -241,17 +244,14 @@ Outcome readSize(const Invocation& invocation, int& width, int& height, Option o
 
 Outcome readScript(const QString& path, QString& text)
 {
+    if (std::optional<QString> script = flybyscript::readScript(path)) {
+        text = std::move(*script);
+        return Outcome::done();
+    }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    const QByteArray bytes = file.read(kLargestParameterFile + 1);
-    if (file.error() != QFileDevice::NoError)
-        return Outcome::failed(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    QStringDecoder decode(QStringDecoder::Utf8);
-    text = decode(bytes);
-    if (bytes.size() > kLargestParameterFile || decode.hasError() || bytes.contains('\0'))
-        return Outcome::failed(QStringLiteral("%1 is not a flyby script").arg(path));
-    return Outcome::done();
+    return Outcome::failed(QStringLiteral("%1 is not a flyby script").arg(path));
 }
 
 QString stretchText(const DecodedFile& file)

@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "app/flyby/code_edit.h"
 #include "app/flyby/script_editor.h"
 #include "app/main/app_icon.h"
 #include "app/mainwindow/main_window.h"
@@ -158,8 +159,10 @@ static bool grabScriptEditor(MainWindow& window, const QString& folder, const QS
     auto* editor = window.findChild<ScriptEditor*>();
     editor->setScript("# A slow push into the cloud, then a rest.\n"
                       "ease inout\nzoom 1.2\nflyin: 820 430 120 2.5 15\nhold 24\n"
-                      "$turn = 10\nrotate $turn 48\n\npath_start x=100 y=50 zoom=1 ease=in\n"
-                      "moveto 300 sideways 40\n");
+                      "$turn = 10\nrotate $turn 48\nmoveto 300 sideways 40\n"
+                      "flyin: $centerx $centery 96 1 0\n");
+    constexpr int kFlight = 4; // the line below tells how its command is used
+    editor->findChild<CodeEdit*>()->goToLine(kFlight);
     editor->show();
     QCoreApplication::processEvents();
     const bool saved = grab(*editor, folder, name);

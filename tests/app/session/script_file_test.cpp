@@ -1,4 +1,4 @@
-#include "app/flyby/script_file.h"
+#include "app/session/script_file.h"
 
 #include <QFile>
 #include <QTemporaryDir>
