@@ -65,7 +65,8 @@ bool FlybyScriptController::mayClose()
     if (!m_editor || !m_editor->isOnlyHere())
         return true;
     const std::optional<int> choice = m_host.prompter().choose(
-        "Flyby Script", "The flyby script is in no file yet and goes with the window.",
+        "Flyby Script",
+        "The flyby script was not saved to a file. It is lost when the window closes.",
         {"Save...", "Close Without Saving"});
     return choice == 0 ? m_editor->saveScript() : choice.has_value();
 }

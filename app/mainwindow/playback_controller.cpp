@@ -127,9 +127,7 @@ void PlaybackController::cancelPlaybackStart()
 void PlaybackController::playFrom(int frame)
 {
     m_timer.setInterval(frameIntervalMs(playbackFps()));
-    if (m_paused)
-        m_timer.stop(); // a new interval has started it
-    else
+    if (!m_paused)
         m_timer.start();
     m_host.showStatus(m_paused ? QString(kPaused) : playingText());
     showFrame(frame);

@@ -140,7 +140,7 @@ TEST_F(Playing, FramesComeInTheOrderThatTheUserSees)
         {true, true, five, "tkw.w,,", "01210", true},
         {true, false, five, ",.", "040", true},    // steps go round and pause
         {true, false, five, "k,kt", "0401", true}, // nothing is left to go on with
-        {true, false, five, "k,c", "044", true},   // paused at the end it stays there
+        {true, false, five, "k,cw", "044", true},  // paused at the end it stays there
         {true, false, five, "2tt", "0234", false},
         {true, false, five, "4t", "04", false},
         {true, true, five, "4t", "040", true},
