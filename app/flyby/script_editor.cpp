@@ -150,10 +150,10 @@ void ScriptEditor::addShortcuts()
 
 void ScriptEditor::setScript(const QString& text)
 {
-    const bool onlyHere = m_onlyHere;
+    const bool written = m_written;
     if (text != scriptText())
         m_edit->replaceText(text);
-    m_onlyHere = onlyHere;
+    m_written = written;
     markSaved();
     refreshStatus();
 }
@@ -185,6 +185,18 @@ void ScriptEditor::markSaved()
     m_edit->document()->setModified(false);
 }
 
+bool ScriptEditor::isOnlyHere() const
+{
+    const QString text = scriptText();
+    return m_written && text != m_stored && !text.trimmed().isEmpty();
+}
+
+void ScriptEditor::markStored()
+{
+    m_written = false;
+    m_stored = scriptText();
+}
+
 void ScriptEditor::showStatus(const QString& text)
 {
     m_statusLabel->setText(text);
@@ -195,7 +207,7 @@ void ScriptEditor::onTextChanged()
 {
     constexpr qint64 kUnnoticedMs = 20;
     constexpr int kPauseMs = 250;
-    m_onlyHere = true;
+    m_written = true;
     if (m_lastMilliseconds > kUnnoticedMs)
         m_delay->start(kPauseMs);
     else

@@ -40,9 +40,9 @@ public:
     /// The text is safe: applied or saved.
     void markSaved();
     /// The user wrote something that no file holds yet.
-    bool isOnlyHere() const { return m_onlyHere && !scriptText().trimmed().isEmpty(); }
+    bool isOnlyHere() const;
     /// A file holds the text, or it can be had again as it is.
-    void markStored() { m_onlyHere = false; }
+    void markStored();
     /// Asks where and saves; whether the text is in a file now.
     bool saveScript();
     /// What became of the text, in place of what the compiler says, until the next change.
@@ -82,5 +82,6 @@ private:
     QTimer* m_delay;
     ScriptReference* m_reference = nullptr; ///< made when first shown
     qint64 m_lastMilliseconds = 0;          ///< that the last refresh of the status took
-    bool m_onlyHere = false;                ///< written by the user, and in no file
+    bool m_written = false;                 ///< by the user, since the text was stored last
+    QString m_stored;                       ///< the text at that time
 };

@@ -41,7 +41,8 @@ struct Editing : testing::Test
                 return *each;
         throw std::runtime_error(text.toStdString());
     }
-    void type(const QString& text) { QTest::keyClicks(editor().findChild<CodeEdit*>(), text); }
+    CodeEdit& text() { return *editor().findChild<CodeEdit*>(); }
+    void type(const QString& keys) { QTest::keyClicks(&text(), keys); }
 };
 
 TEST_F(Editing, TheTextBecomesTheFlybyOfTheDocument)
@@ -87,7 +88,7 @@ TEST_F(Editing, TheEditorFollowsTheDocumentUnlessTheUserIsWriting)
     EXPECT_EQ(editor().scriptText(), "#hold 4");
     scripts.showDocumentScript();
     EXPECT_EQ(editor().scriptText(), "hold 6");
-    editor().findChild<CodeEdit*>()->undo();
+    text().undo();
     EXPECT_EQ(editor().scriptText(), "#hold 4");
     scripts.closeScriptEditor();
     host.document.flybyScript = "hold 2";
@@ -111,6 +112,7 @@ TEST_F(Editing, TheWindowDoesNotTakeAnUnsavedScriptWithIt)
         {nothing, {}, {}, false, true},
         {[](Editing& e) { e.type("#"); }, {}, {}, true, false},
         {[](Editing& e) { e.type("#"); }, {1}, {}, true, true},
+        {[](Editing& e) { e.type("#"), e.text().undo(); }, {}, {}, false, true},
         {[](Editing& e) { e.type("#"); }, {0}, {}, true, false},
         {[](Editing& e) { e.type("#"); }, {0}, {path}, true, true},
         {[](Editing& e) { e.type("#"), e.button("Apply").click(); }, {}, {}, true, false},
