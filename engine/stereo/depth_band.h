@@ -38,7 +38,7 @@ public:
     const float* depths() const { return m_z.data(); }
 
     /// Where cell `x` of row `y` stands in these.
-    std::size_t cell(int x, int y) const { return start(y) + static_cast<std::size_t>(x); }
+    std::ptrdiff_t cell(int x, int y) const { return static_cast<std::ptrdiff_t>(start(y)) + x; }
 
     void clear(int y) { std::fill_n(z(y), m_stride, kNothing); }
 

@@ -2,6 +2,7 @@
 
 #include "engine/image/raster.h"
 #include "engine/post/post.h"
+#include "engine/stereo/eye_window.h"
 
 namespace zre {
 
@@ -9,12 +10,23 @@ void renderEye(const Image& src, const Image& depth, Image& out, double parallax
                double convergence, double offsetX, double offsetY, double maxDisparity, double zoom,
                double centerX, double centerY, bool splat, Image* outDepth)
 {
+    renderEyeWindow(src, depth, out, parallax, convergence, offsetX, offsetY, maxDisparity, zoom,
+                    centerX, centerY, splat, {0, 0, src.width, src.height}, outDepth);
+}
+
+void renderEyeWindow(const Image& src, const Image& depth, Image& out, double parallax,
+                     double convergence, double offsetX, double offsetY, double maxDisparity,
+                     double zoom, double centerX, double centerY, bool splat,
+                     const EyeWindow& window, Image* outDepth)
+{
     if (offsetY == 0.0 && zoom == 0.0 && !splat)
-        renderEyeHorizontal(src, depth, out, parallax, convergence, offsetX, maxDisparity, {},
-                            outDepth);
+        renderWindowHorizontal(src, depth, out, parallax, convergence, offsetX, maxDisparity,
+                               window, {}, outDepth);
     else
-        renderEye2D(src, depth, out, parallax, convergence, offsetX, offsetY, maxDisparity, zoom,
-                    centerX, centerY, splat, outDepth);
+        renderWindow2D(
+            src, depth, out,
+            {parallax, convergence, offsetX, offsetY, maxDisparity, zoom, centerX, centerY}, splat,
+            window, outDepth);
 }
 
 void renderEyes(const Image& src, const Image& depth, const ZRParams& p, Image& left, Image& right,

@@ -6,6 +6,15 @@
 
 namespace zre {
 
+/// Columns from `left` to before `right` and rows from `top` to before `bottom` of a picture.
+struct EyeWindow
+{
+    int left;
+    int top;
+    int right;
+    int bottom;
+};
+
 /// Warps `src` into one eye: every pixel moves in proportion to its depth, near pixels win, and the
 /// holes behind them fill from the farther side.
 ///
@@ -22,6 +31,14 @@ namespace zre {
 void renderEye(const Image& src, const Image& depth, Image& out, double parallax,
                double convergence, double offsetX, double offsetY, double maxDisparity, double zoom,
                double centerX, double centerY, bool splat, Image* outDepth);
+
+/// As `renderEye`, for a caller that looks at a window of the picture alone: the pixels of
+/// `window`, which is bound to the image, come out the same; of any other, in `out` and `outDepth`,
+/// it is unspecified whether it is written.
+void renderEyeWindow(const Image& src, const Image& depth, Image& out, double parallax,
+                     double convergence, double offsetX, double offsetY, double maxDisparity,
+                     double zoom, double centerX, double centerY, bool splat,
+                     const EyeWindow& window, Image* outDepth);
 
 /// The horizontal warp by whole pixels, row by row, with two scratch rows.
 void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, double parallax,

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "engine/image/multiversion.h"
-#include "engine/stereo/eye.h"
+#include "engine/stereo/eye_window.h"
 #include "engine/stereo/lanes.h"
 #include "engine/stereo/steady_range.h"
 #include "engine/stereo/warp.h"
@@ -124,9 +124,9 @@ ZR_MULTIVERSION void copyRow(const Image& src, std::size_t offset, const int* so
 
 } // namespace
 
-void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, double parallax,
-                         double convergence, double offsetX, double maxDisparity,
-                         const Progress& progress, Image* outDepth)
+void renderWindowHorizontal(const Image& src, const Image& depth, Image& out, double parallax,
+                            double convergence, double offsetX, double maxDisparity,
+                            const EyeWindow& window, const Progress& progress, Image* outDepth)
 {
     if (!warpable(src, depth, out))
         return;
@@ -140,7 +140,8 @@ void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, doubl
         shapeDepth(*outDepth, width, src.height);
     const auto columns = static_cast<std::size_t>(width);
     LandingRow row(columns);
-    for (int y = 0; y < src.height; ++y) {
+    const EyeWindow part = boundTo(src, window);
+    for (int y = part.top; y < part.bottom; ++y) {
         if (progress && y % 64 == 0)
             progress(static_cast<double>(y) / src.height);
         const std::size_t offset = static_cast<std::size_t>(y) * columns;
@@ -157,6 +158,14 @@ void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, doubl
         else if (outDepth)
             std::copy_n(row.z.begin(), columns, outDepth->plane(0) + offset);
     }
+}
+
+void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, double parallax,
+                         double convergence, double offsetX, double maxDisparity,
+                         const Progress& progress, Image* outDepth)
+{
+    renderWindowHorizontal(src, depth, out, parallax, convergence, offsetX, maxDisparity,
+                           {0, 0, src.width, src.height}, progress, outDepth);
 }
 
 } // namespace zre

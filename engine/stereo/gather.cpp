@@ -46,21 +46,26 @@ struct Cells
     int y;
     int width;
     int height;
+    PixelCode code;
 };
 
 /// What landed on some cells.
 struct Landed
 {
-    std::int32_t source[kChunk];
-    float z[kChunk];
+    std::uint32_t source[kChunk];
+    std::int32_t order[kChunk];
 };
 
-/// Apart from the rest, because the compiler makes no vectors of a word taken to pieces.
-ZR_KERNEL_STEP void unpack(const Cell* cells, int size, Landed& landed)
+/// Empties the cells. Apart from the rest, because the compiler makes no vectors of a word taken to
+/// pieces.
+ZR_KERNEL_STEP void unpack(Cell* __restrict cells, int size, Landed& landed,
+                           std::uint32_t* __restrict source)
 {
     for (int i = 0; i < size; ++i) {
-        landed.source[i] = LandingBand::source(cells[i]);
-        landed.z[i] = LandingBand::depth(cells[i]);
+        const Cell cell = cells[i];
+        cells[i] = LandingBand::kEmpty;
+        landed.source[i] = source[i] = LandingBand::code(cell);
+        landed.order[i] = LandingBand::order(cell);
     }
 }
 
@@ -71,32 +76,26 @@ struct Places
     std::int32_t* __restrict first;
     std::int32_t* __restrict edge;
     float* __restrict seen;
+    std::uint32_t* __restrict source;
 };
-
-/// Row of the pixel of that index, by a division that is off by less than half a pixel.
-ZR_KERNEL_STEP std::int32_t rowOf(std::int32_t source, double perWidth)
-{
-    return static_cast<std::int32_t>((source + 0.5) * perWidth);
-}
 
 /// An empty cell gets any place in the image.
 ZR_KERNEL_STEP void placeAll(const Warp& callersWarp, bool clamped, const Cells& callersCells,
-                             const Cell* callersLanded, const Places& places)
+                             Cell* callersLanded, const Places& places)
 {
     const Warp warp = callersWarp;
     const Cells cells = callersCells;
-    const auto [fu, fv, first, edge, seen] = places;
+    const auto [fu, fv, first, edge, seen, unused] = places;
     Landed landed;
-    unpack(callersLanded, cells.size, landed);
-    const double perWidth = 1.0 / cells.width;
+    unpack(callersLanded, cells.size, landed, places.source);
     const double y = cells.y;
     const double right = cells.width - 1;
     const double bottom = cells.height - 1;
     for (int i = 0; i < cells.size; ++i) {
-        const std::int32_t source = landed.source[i];
-        const float z = landed.z[i];
-        const std::int32_t sy = rowOf(source, perWidth);
-        const std::int32_t sx = source - sy * cells.width;
+        const std::uint32_t source = landed.source[i];
+        const float z = LandingBand::depth(landed.order[i]);
+        const int sx = cells.code.column(source);
+        const int sy = cells.code.row(source);
         const SourcePoint at = sourcePoint(warp, clamped, cells.x + i, y, sx, sy, z, right, bottom);
         const auto column = static_cast<std::int32_t>(at.u);
         const auto row = static_cast<std::int32_t>(at.v);
@@ -107,17 +106,17 @@ ZR_KERNEL_STEP void placeAll(const Warp& callersWarp, bool clamped, const Cells&
         first[i] = (row < lastRow ? row : lastRow) * cells.width +
                    (column < lastColumn ? column : lastColumn);
         edge[i] = (lastColumn - column) | (lastRow - row);
-        seen[i] = source < 0 ? SeenBand::kHole : z;
+        seen[i] = source == LandingBand::kNoCode ? SeenBand::kHole : z;
     }
 }
 
-ZR_MULTIVERSION_512 void placeFree(const Warp& warp, const Cells& cells, const Cell* landed,
+ZR_MULTIVERSION_512 void placeFree(const Warp& warp, const Cells& cells, Cell* landed,
                                    const Places& places)
 {
     placeAll(warp, false, cells, landed, places);
 }
 
-ZR_MULTIVERSION_512 void placeClamped(const Warp& warp, const Cells& cells, const Cell* landed,
+ZR_MULTIVERSION_512 void placeClamped(const Warp& warp, const Cells& cells, Cell* landed,
                                       const Places& places)
 {
     placeAll(warp, true, cells, landed, places);
@@ -194,27 +193,33 @@ std::size_t indexOf(const Image& img, int x, int y)
 
 } // namespace
 
-Gather::Gather(const Warp& warp, const Image& src, Image& out, Image* outDepth)
+Gather::Gather(const Warp& warp, const Image& src, Image& out, Image* outDepth,
+               const Columns& columns)
     : m_warp(warp)
     , m_src(src)
     , m_out(out)
     , m_outDepth(outDepth)
+    , m_code(src.width)
+    , m_columns(columns)
 {
 }
 
-void Gather::fillRow(const LandingBand& band, int y, int first, int end, float* seen)
+void Gather::fillRow(LandingBand& band, int y, float* seen)
 {
-    for (int x = first; x < end; x += kChunk)
-        fillChunk(band.row(y) + x, x, std::min(kChunk, end - x), y, seen + x);
+    Cell* const cells = band.row(y) - m_columns.first;
+    float* const depths = seen - m_columns.first;
+    for (int x = m_columns.first; x < m_columns.end; x += kChunk)
+        fillChunk(cells + x, x, std::min(kChunk, m_columns.end - x), y, depths + x);
     if (m_outDepth)
-        copyDepths(seen + first, end - first, m_outDepth->plane(0) + indexOf(m_src, first, y));
+        copyDepths(seen, m_columns.end - m_columns.first,
+                   m_outDepth->plane(0) + indexOf(m_src, m_columns.first, y));
 }
 
-void Gather::fillChunk(const Cell* cells, int x, int size, int y, float* seen)
+void Gather::fillChunk(Cell* cells, int x, int size, int y, float* seen)
 {
     (m_warp.maxDisparity > 0.0 ? placeClamped : placeFree)(
-        m_warp, {x, size, y, m_src.width, m_src.height}, cells,
-        {m_fu.data(), m_fv.data(), m_first.data(), m_edge.data(), seen});
+        m_warp, {x, size, y, m_src.width, m_src.height, m_code}, cells,
+        {m_fu.data(), m_fv.data(), m_first.data(), m_edge.data(), seen, m_source.data()});
     const bool narrow = m_src.width < 2 || m_src.height < 2;
     if (!narrow) {
         std::fill(m_first.begin() + size, m_first.begin() + (size + 3) / 4 * 4, 0);
@@ -227,9 +232,11 @@ void Gather::fillChunk(const Cell* cells, int x, int size, int y, float* seen)
         if (!anyNegative(m_edge.data(), size))
             return;
     }
-    for (int i = 0; i < size; ++i)
-        if ((narrow || m_edge[static_cast<std::size_t>(i)] < 0) && !LandingBand::isEmpty(cells[i]))
-            fillCell(cells[i], x + i, y);
+    for (int i = 0; i < size; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        if ((narrow || m_edge[at] < 0) && m_source[at] != LandingBand::kNoCode)
+            fillCell(m_source[at], seen[i], x + i, y);
+    }
 }
 
 /// Asks for the lower samples of the cells in a plane, mostly those of a row not yet read.
@@ -244,12 +251,11 @@ void Gather::prefetch(int channel, int size) const
 }
 
 /// Fills a cell wherever it samples; the last column and row repeat.
-void Gather::fillCell(Cell cell, int x, int y)
+void Gather::fillCell(std::uint32_t code, float depth, int x, int y)
 {
     const int width = m_src.width;
-    const std::int32_t source = LandingBand::source(cell);
-    const SourcePoint at = sourcePoint(m_warp, true, x, y, source % width, source / width,
-                                       LandingBand::depth(cell), width - 1, m_src.height - 1);
+    const SourcePoint at = sourcePoint(m_warp, true, x, y, m_code.column(code), m_code.row(code),
+                                       depth, width - 1, m_src.height - 1);
     const int column = static_cast<int>(at.u);
     const int row = static_cast<int>(at.v);
     const std::size_t right = column < width - 1 ? 1 : 0;

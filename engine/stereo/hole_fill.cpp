@@ -90,7 +90,7 @@ void HoleFill<Band>::aimWay(const Band& band, int y, Way& way) const
         const int row = y + step.y;
         if (row < 0 || row >= m_out.height)
             return;
-        way.cells.push_back(static_cast<std::ptrdiff_t>(band.cell(0, row)) + step.x);
+        way.cells.push_back(band.cell(0, row) + step.x);
         way.pixels.push_back(static_cast<std::ptrdiff_t>(pixel(0, row)) + step.x);
     }
 }
@@ -98,9 +98,9 @@ void HoleFill<Band>::aimWay(const Band& band, int y, Way& way) const
 /// All holes of the row are found, then all their winners, and then the planes are read one after
 /// the other, so that the cache misses of many holes overlap.
 template <typename Band>
-void HoleFill<Band>::fillRow(const Band& band, int y)
+void HoleFill<Band>::fillRow(const Band& band, int y, int left, int right)
 {
-    listHoles(band, y);
+    listHoles(band, y, left, right);
     if (m_laid) {
         aimWay(band, y, m_ahead);
         aimWay(band, y, m_back);
@@ -129,24 +129,25 @@ void HoleFill<Band>::fillRow(const Band& band, int y)
 
 /// Without a branch for each cell, which noise would have mispredicted.
 template <typename Band>
-void HoleFill<Band>::listHoles(const Band& band, int y)
+void HoleFill<Band>::listHoles(const Band& band, int y, int left, int right)
 {
-    const auto* const marks = band.marks() + band.cell(0, y);
+    const auto* const marks = band.marks();
+    const std::ptrdiff_t start = band.cell(0, y);
     int* const holes = m_holes.data();
     std::size_t count = 0;
-    int x = 0;
+    int x = left;
     const auto list = [&](int end) {
         for (; x < end; ++x) {
             holes[count] = x;
-            count += marks[x] == Band::kHole ? 1 : 0;
+            count += marks[start + x] == Band::kHole ? 1 : 0;
         }
     };
-    while (x + kBlock <= m_out.width)
-        if (anyEqual(marks + x, Band::kHole))
+    while (x + kBlock <= right)
+        if (anyEqual(marks + (start + x), Band::kHole))
             list(x + kBlock);
         else
             x += kBlock;
-    list(m_out.width);
+    list(right);
     m_holeCount = count;
 }
 
@@ -221,7 +222,7 @@ bool HoleFill<Band>::visit(const Band& band, double fx, double fy, Winner& winne
         return false;
     const int x = static_cast<int>(cellX);
     const int y = static_cast<int>(cellY);
-    const std::size_t cell = band.cell(x, y);
+    const std::ptrdiff_t cell = band.cell(x, y);
     if (band.marks()[cell] == Band::kHole)
         return false;
     if (band.depths()[cell] < winner.z)

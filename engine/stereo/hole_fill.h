@@ -21,8 +21,9 @@ public:
     /// How many rows above and below a hole the search can touch.
     int rowReach() const { return m_rowReach; }
 
-    /// Fills row `y`; the rows of `band` and of the output within `rowReach` are complete.
-    void fillRow(const Band& band, int y);
+    /// Fills row `y` from column `left` to before `right`; what lies within `rowReach` of that is
+    /// complete in `band` and in the output.
+    void fillRow(const Band& band, int y, int left, int right);
 
 private:
     struct Step
@@ -59,7 +60,7 @@ private:
     bool layWay(double vx, double vy, Way& way) const;
     void aimWay(const Band& band, int y, Way& way) const;
 
-    void listHoles(const Band& band, int y);
+    void listHoles(const Band& band, int y, int left, int right);
     void blacken(int x, int y);
     Winner winnerFor(const Band& band, int x, int y) const;
     Winner searchWays(const Band& band, int x) const;

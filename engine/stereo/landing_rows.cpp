@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <limits>
 
 #include "engine/image/multiversion.h"
+#include "engine/stereo/ordered_bits.h"
 
 namespace zre {
 
@@ -16,19 +18,13 @@ struct BitRange
     std::int32_t high;
 };
 
-/// A number that orders as the float of these bits does, and turns back by the same step.
-inline std::int32_t ordered(std::int32_t bits)
-{
-    return bits ^ ((bits >> 31) & 0x7fffffff);
-}
-
-/// The extremes of `values` in `ordered` form; a NaN lies beyond infinity on its sign's side.
+/// The extremes of `values` as `orderedBits` numbers them.
 ZR_MULTIVERSION BitRange orderedRange(const float* values, std::size_t size)
 {
-    BitRange range{ordered(std::bit_cast<std::int32_t>(values[0])), 0};
+    BitRange range{orderedBits(std::bit_cast<std::int32_t>(values[0])), 0};
     range.high = range.low;
     for (std::size_t i = 0; i < size; ++i) {
-        const std::int32_t v = ordered(std::bit_cast<std::int32_t>(values[i]));
+        const std::int32_t v = orderedBits(std::bit_cast<std::int32_t>(values[i]));
         range.low = v < range.low ? v : range.low;
         range.high = v > range.high ? v : range.high;
     }
@@ -42,8 +38,8 @@ constexpr int kRounding = 2; // to the nearest cell, and to the next beside it
 DepthRange depthRange(const Warp& warp, const Image& depth)
 {
     const BitRange range = orderedRange(depth.plane(0), depth.pixelCount());
-    float low = std::bit_cast<float>(ordered(range.low));
-    float high = std::bit_cast<float>(ordered(range.high));
+    float low = std::bit_cast<float>(orderedBits(range.low));
+    float high = std::bit_cast<float>(orderedBits(range.high));
     if (std::isfinite(low) && std::isfinite(high))
         return {low, high};
     low = high = static_cast<float>(warp.convergence);
@@ -67,47 +63,80 @@ int rowReach(const Warp& warp, const DepthRange& depths, int height)
     return most < height ? std::min(static_cast<int>(std::ceil(most)) + kRounding, height) : height;
 }
 
-/// A displacement is linear in the depth on either side of the convergence plane, where it is zero,
-/// and the clamp only shortens it: the ends of the range tell how far it goes.
-static RowSpan spanOf(const Warp& warp, const DepthRange& depths, int y, int height)
+namespace {
+
+/// How far pixels of a line go, at most: to lower places, which is below 0, and to higher ones.
+struct Reach
 {
-    const RowSpan all{-1, height};
-    double up = 0.0;
     double down = 0.0;
+    double up = 0.0;
+};
+
+} // namespace
+
+/// A displacement is linear in the depth on either side of the convergence plane, where it is zero,
+/// and the clamp only shortens it: the ends of the range tell how far it goes, along one axis.
+static Reach reachFrom(const Warp& warp, const DepthRange& depths, double x, double y,
+                       double Displacement::*axis)
+{
+    constexpr double kAnywhere = std::numeric_limits<double>::infinity();
+    Reach reach;
     Warp free = warp;
     free.maxDisparity = 0.0;
     for (const double depth : {depths.low, depths.high}) {
-        const double moved = displacement(free, 0.0, y, depth).y;
+        const double moved = displacement(free, x, y, depth).*axis;
         if (!std::isfinite(moved))
-            return all;
-        up = std::min(up, moved);
-        down = std::max(down, moved);
+            return {-kAnywhere, kAnywhere};
+        reach.down = std::min(reach.down, moved);
+        reach.up = std::max(reach.up, moved);
     }
     if (warp.maxDisparity > 0.0) {
-        up = std::max(up, -warp.maxDisparity * 0.5);
-        down = std::min(down, warp.maxDisparity * 0.5);
+        reach.down = std::max(reach.down, -warp.maxDisparity * 0.5);
+        reach.up = std::min(reach.up, warp.maxDisparity * 0.5);
     }
-    const auto row = [&](double place) {
-        return static_cast<int>(std::clamp(place, -1.0, double(height)));
-    };
-    return {row(std::floor(y + up) - kRounding), row(std::ceil(y + down) + kRounding)};
+    return reach;
 }
 
-LandingRows landingRows(const Warp& warp, const DepthRange& depths, int height)
+/// Where what goes so far from `place` lands, splats included, between `least` and `most`.
+static RowSpan spanOf(double place, const Reach& reach, int least, int most)
+{
+    const auto bound = [&](double at) {
+        return static_cast<int>(std::clamp(at, double(least), double(most)));
+    };
+    return {bound(std::floor(place + reach.down) - kRounding),
+            bound(std::ceil(place + reach.up) + kRounding)};
+}
+
+LandingRows landingRows(const Warp& warp, const DepthRange& depths, int height, int top, int bottom)
 {
     LandingRows rows;
     for (int y = 0; y < height; ++y)
-        rows.spans.push_back(spanOf(warp, depths, y, height));
+        rows.spans.push_back(
+            spanOf(y, reachFrom(warp, depths, 0.0, y, &Displacement::y), top - 1, bottom));
     const auto count = static_cast<std::size_t>(height);
-    rows.firstLater.assign(count + 1, height);
+    rows.firstLater.assign(count + 1, bottom);
     for (std::size_t y = count; y-- > 0;)
         rows.firstLater[y] = std::min(rows.firstLater[y + 1], rows.spans[y].first);
-    int last = -1;
+    int last = top - 1;
     for (std::size_t y = 0; y < count; ++y) {
         last = std::max(last, rows.spans[y].last);
         rows.most = std::max(rows.most, last - rows.firstLater[y] + 1);
     }
     return rows;
+}
+
+Columns landingColumns(const Warp& warp, const DepthRange& depths, int width, int left, int right)
+{
+    Columns columns{width, 0};
+    for (int x = 0; x < width; ++x) {
+        const RowSpan span =
+            spanOf(x, reachFrom(warp, depths, x, 0.0, &Displacement::x), left - 1, right);
+        if (span.last < left || span.first >= right)
+            continue;
+        columns.first = std::min(columns.first, x);
+        columns.end = x + 1;
+    }
+    return columns;
 }
 
 } // namespace zre

@@ -16,21 +16,22 @@ struct Aim
     int x; ///< first pixel, and how many
     int size;
     int y;
-    int width;
+    int left; ///< columns of the band
+    int right;
     int firstRow;
     int lastRow;
     int slot; ///< of the first row
     int slots;
     int stride;
+    std::uint32_t code; ///< of the first pixel
 };
 
 struct Targets
 {
-    float* __restrict depth;
     Cell* __restrict pixel;
     std::int32_t* __restrict nearest;
-    std::int32_t* __restrict upper;
-    std::int32_t* __restrict lower;
+    std::int32_t* __restrict across;
+    std::int32_t* __restrict side;
 };
 
 /// Aims each pixel at the four cells about its place, or beyond the right end of a row.
@@ -39,12 +40,12 @@ ZR_KERNEL_STEP void aimAll(const Warp& callersWarp, bool clamped, const Aim& cal
 {
     const Warp warp = callersWarp;
     const Aim aim = callersAim;
-    const auto [finite, pixel, nearest, upper, lower] = targets;
-    const double right = aim.width;
+    const auto [pixel, nearest, across, side] = targets;
+    const double left = aim.left - 1;
+    const double right = aim.right;
     const double top = aim.firstRow;
     const double bottom = aim.lastRow;
     const double y = aim.y;
-    const std::int32_t source = aim.y * aim.width + aim.x;
     const int wrap = (aim.slots - 1) * aim.stride;
     for (int i = 0; i < aim.size; ++i) {
         const int x = aim.x + i;
@@ -52,7 +53,7 @@ ZR_KERNEL_STEP void aimAll(const Warp& callersWarp, bool clamped, const Aim& cal
         const Displacement moved = zoomedDisplacement(warp, clamped, x, y, d);
         const double placeX = x + moved.x;
         const double placeY = y + moved.y;
-        const bool held = (placeX >= -1.0) & (placeX < right) & (placeY >= top) & (placeY < bottom);
+        const bool held = (placeX >= left) & (placeX < right) & (placeY >= top) & (placeY < bottom);
         const double boundX = held ? placeX : right;
         const double boundY = held ? placeY : top;
         const int wholeX = static_cast<int>(boundX);
@@ -61,14 +62,15 @@ ZR_KERNEL_STEP void aimAll(const Warp& callersWarp, bool clamped, const Aim& cal
         const int row = wholeY - (boundY < wholeY ? 1 : 0);
         const int past = aim.slot + (row - aim.firstRow);
         const int slot = past - (past >= aim.slots ? aim.slots : 0);
-        const int first = slot * aim.stride + column + 1;
-        const int next = slot == aim.slots - 1 ? first - wrap : first + aim.stride;
-        finite[i] = d;
-        pixel[i] = LandingBand::pack(source + i, d);
-        upper[i] = first;
-        lower[i] = next;
-        nearest[i] =
-            (boundY + 0.5 >= row + 1.0 ? next : first) + (boundX + 0.5 >= column + 1.0 ? 1 : 0);
+        const int upper = slot * aim.stride + column - aim.left + 1;
+        const int lower = slot == aim.slots - 1 ? upper - wrap : upper + aim.stride;
+        const bool nearRight = boundX + 0.5 >= column + 1.0;
+        const bool nearLower = boundY + 0.5 >= row + 1.0;
+        const int offset = nearRight ? 1 : 0;
+        pixel[i] = LandingBand::pack(aim.code + static_cast<std::uint32_t>(i), d);
+        nearest[i] = (nearLower ? lower : upper) + offset;
+        across[i] = (nearLower ? upper : lower) + offset;
+        side[i] = nearRight ? -1 : 1;
     }
 }
 
@@ -86,76 +88,89 @@ ZR_MULTIVERSION_512 void aimClamped(const Warp& warp, const Aim& aim, const floa
 
 } // namespace
 
-Scatter::Scatter(const Warp& warp, int width, bool splat, const DepthRange& depths)
+Scatter::Scatter(const Warp& warp, int width, const Columns& from, const Columns& onto, bool splat)
     : m_warp(warp)
-    , m_width(width)
+    , m_from(from)
+    , m_onto(onto)
+    , m_code(width)
     , m_splat(splat)
-    , m_far(depths.low <= static_cast<double>(LandingBand::depth(LandingBand::kEmpty)))
 {
 }
 
+/// The next chunk is aimed, and its cells are asked for, before one lands.
 void Scatter::landRow(const float* depth, int y, const RowSpan& span, LandingBand& band)
 {
-    const Targets targets{m_depth.data(), m_pixel.data(), m_nearest.data(), m_upper.data(),
-                          m_lower.data()};
-    for (int x = 0; x < m_width; x += kChunk) {
-        const Aim aim{
-            x,         std::min(kChunk, m_width - x), y,           m_width,      span.first,
-            span.last, band.slot(span.first),         band.rows(), band.stride()};
-        (m_warp.maxDisparity > 0.0 ? aimClamped : aimFree)(m_warp, aim, depth + x, targets);
-        const auto size = static_cast<std::size_t>(aim.size);
-        if (!m_splat)
-            land(size, band.cells());
-        else if (m_far)
-            spreadFar(size, band.cells());
+    if (m_from.first < m_from.end)
+        aim(depth, m_from.first, y, span, band, m_aims[0]);
+    for (int x = m_from.first, turn = 0; x < m_from.end; x += kChunk, turn ^= 1) {
+        if (x + kChunk < m_from.end)
+            aim(depth, x + kChunk, y, span, band, m_aims[static_cast<std::size_t>(turn ^ 1)]);
+        const Aims& aims = m_aims[static_cast<std::size_t>(turn)];
+        if (m_splat)
+            spread(aims, band.cells());
         else
-            spread(size, band.cells());
+            land(aims, band.cells());
     }
 }
 
-/// The nearest pixel wins, the one that came first when equal. Here and below without a branch,
-/// which noise would have mispredicted.
-void Scatter::land(std::size_t size, Cell* cells) const
+void Scatter::aim(const float* depth, int x, int y, const RowSpan& span, LandingBand& band,
+                  Aims& aims)
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        Cell& nearest = cells[m_nearest[i]];
-        nearest = m_depth[i] > LandingBand::depth(nearest) ? m_pixel[i] : nearest;
+    constexpr std::size_t kCellsInLine = 8;
+    aims.size = std::min(kChunk, m_from.end - x);
+    const Aim aim{x,
+                  aims.size,
+                  y,
+                  m_onto.first,
+                  m_onto.end,
+                  span.first,
+                  span.last,
+                  band.slot(span.first),
+                  band.rows(),
+                  band.stride(),
+                  m_code.of(x, y)};
+    (m_warp.maxDisparity > 0.0 ? aimClamped : aimFree)(
+        m_warp, aim, depth + x,
+        {aims.pixel.data(), aims.nearest.data(), aims.across.data(), aims.side.data()});
+    const LandingBand::Cell* const cells = band.cells();
+    for (std::size_t i = 0; i < static_cast<std::size_t>(aims.size); i += kCellsInLine) {
+        __builtin_prefetch(cells + aims.nearest[i], 1);
+        __builtin_prefetch(cells + aims.across[i], 1);
     }
 }
 
-/// By bits, because the compiler makes a branch of a choice.
+/// The nearer pixel stays, the one that came first when equal. Here and below without a branch,
+/// which noise would have mispredicted.
+static inline void landOn(Cell& cell, Cell pixel)
+{
+    cell = std::max(cell, pixel);
+}
+
 static inline void fillEmpty(Cell& cell, Cell pixel)
 {
-    cell ^= (cell ^ pixel) & (cell >> 63);
+    const Cell filled = cell == LandingBand::kEmpty ? pixel : cell;
+    asm volatile("" : : "r"(filled)); // else the compiler makes a branch of the choice
+    cell = filled;
 }
 
-/// The nearest of the four cells by depth, the other three only while they are empty; after the
-/// first step the nearest is not, unless the pixel is as far as nothing.
-void Scatter::spread(std::size_t size, Cell* cells) const
+void Scatter::land(const Aims& aims, Cell* cells) const
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        __builtin_prefetch(cells + m_lower[i + kAhead], 1);
-        const Cell pixel = m_pixel[i];
-        Cell& nearest = cells[m_nearest[i]];
-        nearest = m_depth[i] > LandingBand::depth(nearest) ? pixel : nearest;
-        Cell* const upper = cells + m_upper[i];
-        Cell* const lower = cells + m_lower[i];
-        fillEmpty(upper[0], pixel);
-        fillEmpty(upper[1], pixel);
-        fillEmpty(lower[0], pixel);
-        fillEmpty(lower[1], pixel);
-    }
+    for (std::size_t i = 0; i < static_cast<std::size_t>(aims.size); ++i)
+        landOn(cells[aims.nearest[i]], aims.pixel[i]);
 }
 
-/// The same for pixels that do not land on an empty cell by depth, and yet spread to the others.
-void Scatter::spreadFar(std::size_t size, Cell* cells) const
+/// The nearest of the four cells by depth, the other three only while they are empty.
+void Scatter::spread(const Aims& aims, Cell* cells) const
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        if (m_depth[i] > LandingBand::depth(cells[m_nearest[i]]))
-            cells[m_nearest[i]] = m_pixel[i];
-        for (const std::int32_t cell : {m_upper[i], m_upper[i] + 1, m_lower[i], m_lower[i] + 1})
-            if (cell != m_nearest[i] && LandingBand::isEmpty(cells[cell]))
-                cells[cell] = m_pixel[i];
+    for (std::size_t i = 0; i < static_cast<std::size_t>(aims.size); ++i) {
+        const Cell pixel = aims.pixel[i];
+        const std::ptrdiff_t side = aims.side[i];
+        Cell* const nearest = cells + aims.nearest[i];
+        Cell* const across = cells + aims.across[i];
+        landOn(nearest[0], pixel);
+        fillEmpty(nearest[side], pixel);
+        fillEmpty(across[0], pixel);
+        fillEmpty(across[side], pixel);
     }
 }
 

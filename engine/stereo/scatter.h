@@ -13,30 +13,36 @@ namespace zre {
 class Scatter
 {
 public:
-    Scatter(const Warp& warp, int width, bool splat, const DepthRange& depths);
+    /// Lands the columns `from` of an image of that width on the columns `onto`.
+    Scatter(const Warp& warp, int width, const Columns& from, const Columns& onto, bool splat);
 
     /// Lands source row `y`; all rows of `span`, which are those it may reach, are in `band`.
     void landRow(const float* depth, int y, const RowSpan& span, LandingBand& band);
 
 private:
-    void land(std::size_t size, LandingBand::Cell* cells) const;
-    void spread(std::size_t size, LandingBand::Cell* cells) const;
-    void spreadFar(std::size_t size, LandingBand::Cell* cells) const;
+    /// Where the pixels of a chunk are to land.
+    struct Aims
+    {
+        template <typename T>
+        using PerPixel = std::array<T, kChunk>;
 
-    static constexpr int kAhead = 32; ///< pixels by which a row is asked for before it is needed
+        int size = 0;
+        PerPixel<LandingBand::Cell> pixel; ///< what the cell becomes that a pixel takes
+        PerPixel<std::int32_t> nearest;    ///< cell of the band that each pixel is nearest to
+        PerPixel<std::int32_t> across;     ///< the cell above or below it that is next nearest
+        PerPixel<std::int32_t> side;       ///< from there to the other two of the four: 1 or -1
+    };
 
-    template <typename T>
-    using PerPixel = std::array<T, kChunk + kAhead>;
+    void aim(const float* depth, int x, int y, const RowSpan& span, LandingBand& band, Aims& aims);
+    void land(const Aims& aims, LandingBand::Cell* cells) const;
+    void spread(const Aims& aims, LandingBand::Cell* cells) const;
 
     Warp m_warp;
-    int m_width;
+    Columns m_from;
+    Columns m_onto;
+    PixelCode m_code;
     bool m_splat;
-    bool m_far; ///< some pixels are as far away as an empty cell
-    PerPixel<float> m_depth;
-    PerPixel<LandingBand::Cell> m_pixel; ///< what the cell becomes that a pixel takes
-    PerPixel<std::int32_t> m_nearest;    ///< cell of the band that each pixel is nearest to
-    PerPixel<std::int32_t> m_upper;      ///< first of the two cells above it, and below it
-    PerPixel<std::int32_t> m_lower{};
+    std::array<Aims, 2> m_aims;
 };
 
 } // namespace zre

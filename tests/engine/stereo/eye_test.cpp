@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <span>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -146,6 +147,48 @@ TEST(Eye2D, EqualsThePlainFormBitForBit)
                     ASSERT_TRUE(sameBits(general(src, scene.depth, eye), image, depth))
                         << describe(size, scene.name, eye);
                 }
+}
+
+/// True when the two agree in every channel of a window.
+bool sameIn(const zre::EyeWindow& window, const Image& a, const Image& b)
+{
+    for (int c = 0; c < a.channels; ++c)
+        for (int y = std::max(0, window.top); y < std::min(a.height, window.bottom); ++y)
+            for (int x = std::max(0, window.left); x < std::min(a.width, window.right); ++x) {
+                const std::size_t at = std::size_t(y) * std::size_t(a.width) + std::size_t(x);
+                if (a.plane(c)[at] != b.plane(c)[at])
+                    return false;
+            }
+    return true;
+}
+
+TEST(RenderEyeWindow, ShowsWhatTheWholeEyeShowsThere)
+{
+    const Size size{140, 330};
+    const zre::EyeWindow windows[] = {{0, 0, 140, 330},     {20, 130, 60, 150},  {0, 0, 1, 1},
+                                      {139, 300, 140, 330}, {-9, 200, 200, 400}, {50, 9, 50, 90}};
+    const Image src = noise(size.width, size.height, 1, 5);
+    for (const auto& scene : zrtest::depthScenes(size.width, size.height))
+        for (const auto& eyes :
+             {std::span<const Eye>(k2DEyes), std::span<const Eye>(kHorizontalEyes)})
+            for (const Eye& eye : eyes) {
+                const auto render = [&](const zre::EyeWindow& window, Image& depth) {
+                    Image out = noise(size.width, size.height, 1, 6);
+                    zre::renderEyeWindow(src, scene.depth, out, eye.parallax, eye.convergence,
+                                         eye.offsetX, eye.offsetY, eye.maxDisparity, eye.zoom,
+                                         eye.centerX, eye.centerY, eye.splat, window, &depth);
+                    return out;
+                };
+                Image wholeDepth;
+                const Image whole = render(windows[0], wholeDepth);
+                for (const zre::EyeWindow& window : windows) {
+                    Image depth;
+                    const Image part = render(window, depth);
+                    ASSERT_TRUE(sameIn(window, part, whole)) << describe(size, scene.name, eye);
+                    ASSERT_TRUE(window.left == window.right || sameIn(window, depth, wholeDepth))
+                        << describe(size, scene.name, eye);
+                }
+            }
 }
 
 /// Every pixel has a value of its own, so that it can be found again: its index, exact in a float.
