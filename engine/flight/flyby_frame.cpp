@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <numbers>
 
+#include "engine/image/multiversion.h"
 #include "engine/image/raster.h"
 #include "engine/post/post.h"
 #include "engine/stars/star_sprites.h"
@@ -36,6 +37,28 @@ struct Tap
     std::int32_t low = 0;
     std::int32_t high = 0;
     double part = 0.0; ///< of the way from the lower to the higher
+};
+
+/// Of the pixels of a frame that is not turned.
+struct Taps
+{
+    std::vector<Tap> columns;
+    std::vector<Tap> rows;
+};
+
+/// Where a turned window lies: its centre and the directions of its axes.
+struct Turn
+{
+    double cosine;
+    double sine;
+    double centreX;
+    double centreY;
+};
+
+struct Place
+{
+    double x;
+    double y;
 };
 
 } // namespace
@@ -129,18 +152,51 @@ static std::vector<Tap> tapsOf(int count, double start, double length, int size)
     return taps;
 }
 
-static void showWindow(const Image& eye, const Window& window, Image& out)
+ZR_MULTIVERSION static void mixAlong(const float* __restrict line, const Tap* __restrict taps,
+                                     std::size_t count, double* __restrict out)
 {
-    const std::vector<Tap> columns = tapsOf(out.width, window.left, window.width, eye.width);
-    const std::vector<Tap> rows = tapsOf(out.height, window.top, window.height, eye.height);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double a = line[taps[i].low];
+        const double b = line[taps[i].high];
+        out[i] = a + (b - a) * taps[i].part;
+    }
+}
+
+ZR_MULTIVERSION static void mixAcross(const double* __restrict upper,
+                                      const double* __restrict lower, double part,
+                                      std::size_t count, float* __restrict out)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        out[i] = static_cast<float>(upper[i] + (lower[i] - upper[i]) * part);
+}
+
+/// Each line of the eye is mixed along once, for all the rows that show it.
+static void showWindow(const Image& eye, const Taps& taps, Image& out)
+{
     const auto stride = static_cast<std::size_t>(eye.width);
+    const std::size_t count = taps.columns.size();
+    std::vector<double> upper(count);
+    std::vector<double> lower(count);
     for (int c = 0; c < std::min(out.channels, eye.channels); ++c) {
         float* target = out.plane(c);
-        for (const Tap& row : rows) {
-            const float* upper = eye.plane(c) + stride * static_cast<std::size_t>(row.low);
-            const float* lower = eye.plane(c) + stride * static_cast<std::size_t>(row.high);
-            for (const Tap& column : columns)
-                *target++ = static_cast<float>(mix(upper, lower, column, row.part));
+        std::int32_t upperRow = -1;
+        std::int32_t lowerRow = -1;
+        const auto lay = [&](std::int32_t row, std::vector<double>& line) {
+            mixAlong(eye.plane(c) + stride * static_cast<std::size_t>(row), taps.columns.data(),
+                     count, line.data());
+            return row;
+        };
+        for (const Tap& row : taps.rows) {
+            if (row.low == lowerRow) {
+                upper.swap(lower);
+                std::swap(upperRow, lowerRow);
+            }
+            if (row.low != upperRow)
+                upperRow = lay(row.low, upper);
+            if (row.high != lowerRow)
+                lowerRow = lay(row.high, lower);
+            mixAcross(upper.data(), lower.data(), row.part, count, target);
+            target += count;
         }
     }
 }
@@ -170,58 +226,120 @@ static void samplePixel(const Image& from, double x, double y, std::size_t pixel
     }
 }
 
-static void showTurnedWindow(const Image& eye, const Window& window, double rollDeg, Image& out)
+static Turn turnOf(const Window& window, double rollDeg)
 {
-    const Image beyond = smallCopy(eye);
     const double roll = rollDeg * std::numbers::pi / 180.0;
-    const double cosine = std::cos(roll);
-    const double sine = std::sin(roll);
-    const double centreX = window.left + window.width / 2.0;
-    const double centreY = window.top + window.height / 2.0;
+    return {std::cos(roll), std::sin(roll), window.left + window.width / 2.0,
+            window.top + window.height / 2.0};
+}
+
+/// Where in the eye an output pixel lies.
+static Place placeOf(const Turn& turn, const Window& window, const Image& out, int x, int y)
+{
+    const double u = ((x + 0.5) / out.width - 0.5) * window.width;
+    const double v = ((y + 0.5) / out.height - 0.5) * window.height;
+    return {turn.cosine * u - turn.sine * v + turn.centreX - 0.5,
+            turn.sine * u + turn.cosine * v + turn.centreY - 0.5};
+}
+
+static void showTurnedWindow(const Image& eye, const Window& window, const Turn& turn,
+                             bool reachesOver, Image& out)
+{
+    const Image beyond = reachesOver ? smallCopy(eye) : Image();
     const double scaleX = double(beyond.width) / eye.width;
     const double scaleY = double(beyond.height) / eye.height;
     std::size_t pixel = 0;
     for (int y = 0; y < out.height; ++y) {
-        const double v = ((y + 0.5) / out.height - 0.5) * window.height;
         for (int x = 0; x < out.width; ++x, ++pixel) {
-            const double u = ((x + 0.5) / out.width - 0.5) * window.width;
-            const double sx = cosine * u - sine * v + centreX - 0.5;
-            const double sy = sine * u + cosine * v + centreY - 0.5;
+            const Place at = placeOf(turn, window, out, x, y);
             const bool inside =
-                sx >= 0.0 && sx <= eye.width - 1 && sy >= 0.0 && sy <= eye.height - 1;
+                at.x >= 0.0 && at.x <= eye.width - 1 && at.y >= 0.0 && at.y <= eye.height - 1;
             if (inside || !beyond.usable())
-                samplePixel(eye, sx, sy, pixel, out);
+                samplePixel(eye, at.x, at.y, pixel, out);
             else
-                samplePixel(beyond, (sx + 0.5) * scaleX - 0.5, (sy + 0.5) * scaleY - 0.5, pixel,
+                samplePixel(beyond, (at.x + 0.5) * scaleX - 0.5, (at.y + 0.5) * scaleY - 0.5, pixel,
                             out);
         }
     }
 }
 
+/// What a frame that is not turned shows of the eye.
+static EyeWindow shownBy(const Taps& taps)
+{
+    return {taps.columns.front().low, taps.rows.front().low, taps.columns.back().high + 1,
+            taps.rows.back().high + 1};
+}
+
+/// What a turned frame shows of the eye, with a margin for the rounding of its places.
+static EyeWindow shownBy(const Turn& turn, const Window& window, const Image& out)
+{
+    constexpr double kMargin = 2.0;
+    constexpr double kMost = 1e9;
+    EyeWindow shown{int(kMost), int(kMost), -int(kMost), -int(kMost)};
+    for (const int x : {0, out.width - 1})
+        for (const int y : {0, out.height - 1}) {
+            const Place at = placeOf(turn, window, out, x, y);
+            const auto bound = [&](double place) {
+                return static_cast<int>(std::isfinite(place) ? std::clamp(place, -kMost, kMost)
+                                                             : -kMost);
+            };
+            shown.left = std::min(shown.left, bound(std::floor(at.x) - kMargin));
+            shown.top = std::min(shown.top, bound(std::floor(at.y) - kMargin));
+            shown.right = std::max(shown.right, bound(std::ceil(at.x) + kMargin) + 1);
+            shown.bottom = std::max(shown.bottom, bound(std::ceil(at.y) + kMargin) + 1);
+        }
+    return shown;
+}
+
+/// The eye with its stars, as far as the window needs it.
+static void drawEye(const Image& image, const Image& depth, const FlybyCamera& cam, Offset offset,
+                    double convergence, const ZRParams& p, const std::vector<Star>* stars,
+                    const Image* starsImage, const Image* starsDepth, const EyeWindow& shown,
+                    FlybyScratch& scratch)
+{
+    if (!scratch.eye.sameSize(image) || scratch.eye.channels != image.channels)
+        scratch.eye = image;
+    Image* const displaced = p.starOcclusion > 0.0f ? &scratch.displacedDepth : nullptr;
+    renderEyeWindow(image, depth, scratch.eye, double(p.parallaxAmount), convergence, offset.x,
+                    offset.y, double(p.maxDisparity), cam.warp, cam.cx, cam.cy, cam.warp != 0.0,
+                    shown, displaced);
+    addStars(cam, offset, convergence, p, displaced, stars, starsImage, starsDepth, scratch.eye);
+}
+
 void renderFlybyFrame(const Image& image, const Image& depth, const FlybyCamera& cam,
                       bool ongoingWiggle, double convergence, const ZRParams& p, Image& out,
                       const std::vector<Star>* stars, const Image* starsImage,
-                      const Image* starsDepth, double offsetX, int outW, int outH)
+                      const Image* starsDepth, double offsetX, int outW, int outH,
+                      FlybyScratch* scratch)
 {
     if (!image.usable() || !depth.usable() || !depth.sameSize(image))
         return;
+    FlybyScratch own;
+    FlybyScratch& memory = scratch ? *scratch : own;
     Offset offset = wiggleOffset(cam, ongoingWiggle, p);
     offset.x += offsetX;
-    Image eye = image;
-    Image displacedDepth;
-    Image* const displaced = p.starOcclusion > 0.0f ? &displacedDepth : nullptr;
-    renderEye(image, depth, eye, double(p.parallaxAmount), convergence, offset.x, offset.y,
-              double(p.maxDisparity), cam.warp, cam.cx, cam.cy, cam.warp != 0.0, displaced);
-    addStars(cam, offset, convergence, p, displaced, stars, starsImage, starsDepth, eye);
     const Window window = windowOf(cam, p, depth.width, depth.height);
     const auto sizeOr = [](int wanted, double size) {
         return wanted >= 1 ? wanted : std::max(1, static_cast<int>(size + 0.5));
     };
-    shape(out, sizeOr(outW, window.width), sizeOr(outH, window.height), eye.channels);
-    if (cam.roll == 0.0)
-        showWindow(eye, window, out);
-    else
-        showTurnedWindow(eye, window, cam.roll, out);
+    shape(out, sizeOr(outW, window.width), sizeOr(outH, window.height), image.channels);
+    const auto draw = [&](const EyeWindow& shown) {
+        drawEye(image, depth, cam, offset, convergence, p, stars, starsImage, starsDepth, shown,
+                memory);
+    };
+    if (cam.roll == 0.0) {
+        const Taps taps{tapsOf(out.width, window.left, window.width, image.width),
+                        tapsOf(out.height, window.top, window.height, image.height)};
+        draw(shownBy(taps));
+        showWindow(memory.eye, taps, out);
+    } else {
+        const Turn turn = turnOf(window, cam.roll);
+        const EyeWindow shown = shownBy(turn, window, out);
+        const bool reachesOver = shown.left < 0 || shown.top < 0 || shown.right > image.width ||
+                                 shown.bottom > image.height;
+        draw(reachesOver ? EyeWindow{0, 0, image.width, image.height} : shown);
+        showTurnedWindow(memory.eye, window, turn, reachesOver, out);
+    }
     applyPost(out, p);
 }
 

@@ -9,6 +9,14 @@
 
 namespace zre {
 
+/// What drawing a frame needs beside its arguments. Whoever keeps it from frame to frame saves the
+/// fresh memory, which takes as long as the drawing; it serves one thread at a time.
+struct FlybyScratch
+{
+    Image eye;
+    Image displacedDepth;
+};
+
 /// Draws one frame of a flyby: a full eye with the camera's wiggle and warp, the stars on it, and
 /// the camera's window cut out of that.
 ///
@@ -18,11 +26,14 @@ namespace zre {
 ///          the depth that stays still.
 /// Stars:   `starsImage` with `starsDepth` where both are given and not empty, else `stars`; each
 ///          may be null.
+/// Of the eye only what the window shows is drawn, and all of it where a turned window reaches over
+/// an edge; the frame is the same. Without `scratch` it has memory of its own.
 /// `ongoingWiggle` lets frames that inherit their amplitude swing by `wiggleAmplitude`; otherwise
 /// they stand still.
 void renderFlybyFrame(const Image& image, const Image& depth, const FlybyCamera& cam,
                       bool ongoingWiggle, double convergence, const ZRParams& p, Image& out,
                       const std::vector<Star>* stars, const Image* starsImage,
-                      const Image* starsDepth, double offsetX, int outW, int outH);
+                      const Image* starsDepth, double offsetX, int outW, int outH,
+                      FlybyScratch* scratch = nullptr);
 
 } // namespace zre

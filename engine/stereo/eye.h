@@ -48,7 +48,7 @@ void renderEyeHorizontal(const Image& src, const Image& depth, Image& out, doubl
 /// The general warp: scatter by nearest cell (with `splat` also into the three cells beside it,
 /// while empty), then a bilinear gather at the source position that lands on the cell's centre,
 /// then hole fill along the motion. With a zoom or `splat`, an image of 2^31 pixels and more,
-/// nearly, is left alone.
+/// nearly, is shown as it is.
 void renderEye2D(const Image& src, const Image& depth, Image& out, double parallax,
                  double convergence, double offsetX, double offsetY, double maxDisparity,
                  double zoom, double centerX, double centerY, bool splat, Image* outDepth);

@@ -68,10 +68,14 @@ void renderWindow2D(const Image& src, const Image& depth, Image& out, const Warp
         return;
     const Warp warp = settled(callersWarp, src.width, src.height);
     const bool zoomed = warp.zoom != 0.0 || splat;
-    if (zoomed && !fitsCells(src))
-        return;
     if (outDepth)
         shapeDepth(*outDepth, src.width, src.height);
+    if (zoomed && !fitsCells(src)) {
+        out.data = src.data;
+        if (outDepth)
+            outDepth->data = depth.data;
+        return;
+    }
 
     const DepthRange depths = depthRange(warp, depth);
     if (!zoomed)

@@ -4,6 +4,7 @@
 #include <limits>
 #include <numbers>
 #include <thread>
+#include <utility>
 
 #include "engine/stereo/eye.h"
 #include "tests/support/testkit.h"
@@ -25,11 +26,12 @@ struct Scene
 
     Scene() { params.parallaxAmount = 8.0f; }
 
-    Image frame(const FlybyCamera& cam, double offsetX = 0.0, int outW = 0, int outH = 0) const
+    Image frame(const FlybyCamera& cam, double offsetX = 0.0, int outW = 0, int outH = 0,
+                zre::FlybyScratch* scratch = nullptr) const
     {
         Image out;
         zre::renderFlybyFrame(image, depth, cam, ongoing, 0.4, params, out, nullptr, nullptr,
-                              nullptr, offsetX, outW, outH);
+                              nullptr, offsetX, outW, outH, scratch);
         return out;
     }
     Image eye(double dx, double dy, double zoom = 0.0) const
@@ -156,6 +158,39 @@ TEST(FlybyFrame, ARollTurnsThePictureAndFillsItsCorners)
         EXPECT_TRUE(value > 0.25f && value < 0.75f) << value; // never black
     cam.roll = std::numeric_limits<double>::infinity();
     EXPECT_EQ(scene.frame(cam).width, 40); // nonsense shows something
+}
+
+TEST(FlybyFrame, ANearWindowShowsItsPartOfTheWholeEyeWhateverTheScratchHeldBefore)
+{
+    const Scene scene;
+    zre::FlybyScratch scratch{noise(60, 40, 1, 8), {}};
+    for (const double zoom : {3.0, 6.0, 1.0})
+        for (const double warp : {0.0, 0.4})
+            for (const auto& [dx, dy] : {std::pair{2.0, 0.0}, std::pair{0.0, 2.0}})
+                for (const double roll : {0.0, 20.0, -90.0}) {
+                    FlybyCamera cam = camera(std::numbers::pi / 2.0);
+                    cam.zoom = zoom;
+                    cam.warp = warp;
+                    cam.amp = 2.0;
+                    cam.sway = dy != 0.0 ? 90.0 : 0.0;
+                    cam.roll = roll;
+                    const Image out = scene.frame(cam, 0.0, 24, 16, &scratch);
+                    EXPECT_TRUE(imagesNear(scene.frame(cam, 0.0, 24, 16), out, 0.0));
+                    const Image eye =
+                        scene.eye(dx * std::cos(cam.sway * std::numbers::pi / 180.0), dy, warp);
+                    const double c = std::cos(roll * std::numbers::pi / 180.0);
+                    const double s = std::sin(roll * std::numbers::pi / 180.0);
+                    for (int i = 0; i < 24 * 16; ++i) {
+                        const double u = ((i % 24 + 0.5) / 24 - 0.5) * 60 / zoom;
+                        const double v = ((i / 24 + 0.5) / 16 - 0.5) * 40 / zoom;
+                        const double x = c * u - s * v + 29.5;
+                        const double y = s * u + c * v + 19.5;
+                        if (!(x >= 0.0 && x <= 59.0 && y >= 0.0 && y <= 39.0))
+                            continue; // beyond the eye, where a turned window shows something soft
+                        ASSERT_NEAR(double(out.plane(2)[i]), sample(eye, 2, x, y), 1e-6)
+                            << zoom << ' ' << warp << ' ' << roll << ' ' << i;
+                    }
+                }
 }
 
 TEST(FlybyFrame, FramesOnTwoThreadsAreTheSame)
