@@ -7,6 +7,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "bench/bench_support.h"
+#include "engine/flight/flyby_frame.h"
 #include "engine/stereo/eye.h"
 #include "engine/stereo/views.h"
 #include "tests/engine/stereo/hilly_depth.h"
@@ -212,6 +213,45 @@ void eye2dzoom_opencvplanar(benchmark::State& state)
     remapPlanar(state, PeerScene::ofFlyby(Bench::instance()));
 }
 
+/// A camera in mid-swing, with the warp of `kFlybyEye`.
+zre::FlybyCamera camera(double zoom, double warp, double roll)
+{
+    zre::FlybyCamera cam;
+    cam.cx = benchWidth() * 0.5;
+    cam.cy = benchHeight() * 0.5;
+    cam.zoom = zoom;
+    cam.warp = warp;
+    cam.amp = 0.3;
+    cam.phase = 1.0;
+    cam.sway = 20.0;
+    cam.roll = roll;
+    return cam;
+}
+
+/// A frame of a flyby in memory that is kept: zoom, warp and roll in hundredths.
+void flybyframe_ours(benchmark::State& state)
+{
+    const zre::FlybyCamera cam = camera(double(state.range(0)) / 100, double(state.range(1)) / 100,
+                                        double(state.range(2)) / 100);
+    zre::ZRParams params;
+    params.postEnabled = false;
+    zre::FlybyScratch scratch;
+    run(state, [&](Bench& b) {
+        zre::renderFlybyFrame(b.src, b.depth, cam, true, kFlybyEye.convergence, params, b.out,
+                              nullptr, nullptr, nullptr, 0.0, b.width, b.height, &scratch);
+    });
+}
+
+/// The whole eye by itself: what a frame took at least while its window did not matter.
+void flybyframe_eye(benchmark::State& state)
+{
+    const double warp = double(state.range(1)) / 100;
+    run(state, [&](Bench& b) {
+        zre::renderEye(b.src, b.depth, b.out, kFlybyEye.parallax, kFlybyEye.convergence, 0.24, 0.09,
+                       0.0, warp, -1.0, -1.0, warp != 0.0, nullptr);
+    });
+}
+
 void anaglyph_ours(benchmark::State& state)
 {
     const Image right = picture(4);
@@ -239,6 +279,18 @@ BENCHMARK(eye2dzoom_ours)->Unit(benchmark::kMillisecond);
 BENCHMARK(eye2dzoom_opencv)->Unit(benchmark::kMillisecond);
 BENCHMARK(eye2dzoom_opencvplanar)->Unit(benchmark::kMillisecond);
 BENCHMARK(eye2dzoom_naive)->Unit(benchmark::kMillisecond);
+/// The whole picture without and with the warp, a near window, a window that is turned within the
+/// picture.
+void flybyCases(benchmark::internal::Benchmark* rows)
+{
+    rows->ArgNames({"zoom", "warp", "roll"})->Unit(benchmark::kMillisecond);
+    for (const auto& row :
+         {std::vector<std::int64_t>{100, 0, 0}, {100, 15, 0}, {400, 15, 0}, {400, 15, 1000}})
+        rows->Args(row);
+}
+
+BENCHMARK(flybyframe_ours)->Apply(flybyCases);
+BENCHMARK(flybyframe_eye)->Apply(flybyCases);
 BENCHMARK(anaglyph_ours)->ArgName("mode")->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
 BENCHMARK(anaglyph_naive)->ArgName("mode")->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
 

@@ -4,54 +4,64 @@
 #include <utility>
 #include <vector>
 
+#include "engine/flight/flyby_frame.h"
 #include "engine/image/image.h"
 
-/// Lends images to threads that need one for a while each: without a picture, but with the memory
-/// of earlier ones, since the first touch of fresh memory costs as much as a filter over it. There
-/// are never more than were lent at one time. The pool outlives its loans.
+/// Lends images to threads that need one for a while each, and what drawing a flyby's frame on it
+/// takes: without a picture, but with the memory of earlier ones, since the first touch of fresh
+/// memory costs as much as a filter over it. There are never more than were lent at one time. The
+/// pool outlives its loans.
 class ImagePool
 {
+    struct Memory
+    {
+        zre::Image image;
+        zre::FlybyScratch flyby;
+    };
+
 public:
     class Loan
     {
     public:
         explicit Loan(ImagePool& pool)
             : m_pool(pool)
-            , m_image(pool.take())
+            , m_memory(pool.take())
         {
         }
-        ~Loan() { m_pool.giveBack(std::move(m_image)); }
+        ~Loan() { m_pool.giveBack(std::move(m_memory)); }
         Loan(const Loan&) = delete;
         Loan& operator=(const Loan&) = delete;
 
-        zre::Image& operator*() { return m_image; }
+        zre::Image& operator*() { return m_memory.image; }
+        zre::FlybyScratch& flyby() { return m_memory.flyby; }
 
     private:
         ImagePool& m_pool;
-        zre::Image m_image;
+        Memory m_memory;
     };
 
 private:
-    zre::Image take()
+    Memory take()
     {
         const std::lock_guard lock(m_mutex);
         if (m_free.empty()) {
             m_free.reserve(++m_made); // so that giving back cannot fail
             return {};
         }
-        zre::Image image = std::move(m_free.back());
+        Memory memory = std::move(m_free.back());
         m_free.pop_back();
-        image.width = image.height = 0; // a frame that fails must not show the one before
-        return image;
+        // A frame that fails must not show the one before.
+        memory.image.width = memory.image.height = 0;
+        return memory;
     }
 
-    void giveBack(zre::Image image)
+    void giveBack(Memory memory)
     {
         const std::lock_guard lock(m_mutex);
-        m_free.push_back(std::move(image));
+        m_free.push_back(std::move(memory));
     }
 
     std::mutex m_mutex;
-    std::vector<zre::Image> m_free;
+    std::vector<Memory> m_free;
     std::size_t m_made = 0;
 };

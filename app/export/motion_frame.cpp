@@ -25,7 +25,8 @@ QSize MotionInputs::frameSize() const
 }
 
 /// The frame from a viewpoint `offset` eye units aside.
-static void renderEyeFrame(const MotionInputs& inputs, int frame, double offset, zre::Image& out)
+static void renderEyeFrame(const MotionInputs& inputs, int frame, double offset, zre::Image& out,
+                           zre::FlybyScratch* scratch)
 {
     const int frames = inputs.frames();
     if (!inputs.flyby) {
@@ -41,19 +42,20 @@ static void renderEyeFrame(const MotionInputs& inputs, int frame, double offset,
     const zre::FlybyCamera& camera = inputs.cameras[static_cast<std::size_t>(frame % frames)];
     zre::renderFlybyFrame(*inputs.working, *inputs.depth, camera, inputs.ongoingWiggle,
                           inputs.convergence, inputs.params, out, inputs.stars, nullptr, nullptr,
-                          offset, size.width(), size.height());
+                          offset, size.width(), size.height(), scratch);
 }
 
-void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out)
+void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out,
+                       zre::FlybyScratch* scratch)
 {
     if (stereo3d <= kFlat) {
-        renderEyeFrame(inputs, frame, 0.0, out);
+        renderEyeFrame(inputs, frame, 0.0, out, scratch);
         return;
     }
     zre::Image left;
     zre::Image right;
-    renderEyeFrame(inputs, frame, 1.0, left);
-    renderEyeFrame(inputs, frame, -1.0, right);
+    renderEyeFrame(inputs, frame, 1.0, left, scratch);
+    renderEyeFrame(inputs, frame, -1.0, right, scratch);
     if (inputs.params.swapEyes)
         std::swap(left, right);
     const QSize size = inputs.frameSize();

@@ -5,6 +5,7 @@
 #include <QSize>
 
 #include "engine/flight/flyby_camera.h"
+#include "engine/flight/flyby_frame.h"
 #include "engine/image/image.h"
 #include "engine/params/params.h"
 #include "engine/stars/star.h"
@@ -28,5 +29,7 @@ struct MotionInputs
 };
 
 /// Draws one frame in the stereo format of that row of `kStereoFormats`; eyes are exchanged by
-/// `swapEyes`. A frame beyond the last begins again.
-void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out);
+/// `swapEyes`. A frame beyond the last begins again. `scratch`, which may be null, saves a flyby
+/// fresh memory for every frame.
+void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out,
+                       zre::FlybyScratch* scratch = nullptr);

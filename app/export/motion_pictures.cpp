@@ -11,7 +11,7 @@ std::function<QImage(int frame)> motionPictures(const MotionInputs& inputs, int 
     auto pool = std::make_shared<ImagePool>();
     return [&inputs, first, stereo3d, format, pool](int frame) {
         ImagePool::Loan image(*pool);
-        renderMotionFrame(inputs, first + frame, stereo3d, *image);
+        renderMotionFrame(inputs, first + frame, stereo3d, *image, &image.flyby());
         return zre_qt::toQImage(*image, format);
     };
 }

@@ -101,7 +101,7 @@ bool FrameCache::fill(const Order& order, const Watch& watch)
     ImagePool pool;
     FrameFarm farm({m_planned, threads, m_planned, true}, [&](int frame) {
         ImagePool::Loan scratch(pool);
-        return draw(sources[index(sourceOf[index(frame)])], frame, *scratch);
+        return draw(sources[index(sourceOf[index(frame)])], frame, *scratch, &scratch.flyby());
     });
     for (int taken = 0; taken < m_planned && !farm.failed();) {
         farm.waitForNext(kWatchMs);
@@ -113,15 +113,17 @@ bool FrameCache::fill(const Order& order, const Watch& watch)
     return true;
 }
 
-QImage FrameCache::draw(const MotionInputs& source, int frame, zre::Image& scratch) const
+QImage FrameCache::draw(const MotionInputs& source, int frame, zre::Image& picture,
+                        zre::FlybyScratch* scratch) const
 {
     if (source.flyby)
         zre::renderFlybyFrame(*source.working, *source.depth, source.cameras[index(frame)],
-                              source.ongoingWiggle, source.convergence, source.params, scratch,
-                              source.stars, nullptr, nullptr, 0.0, m_size.width(), m_size.height());
+                              source.ongoingWiggle, source.convergence, source.params, picture,
+                              source.stars, nullptr, nullptr, 0.0, m_size.width(), m_size.height(),
+                              scratch);
     else
-        renderMotionFrame(source, frame, kFlat, scratch);
-    return zre_qt::toQImage(scratch, QImage::Format_RGB32);
+        renderMotionFrame(source, frame, kFlat, picture);
+    return zre_qt::toQImage(picture, QImage::Format_RGB32);
 }
 
 QImage FrameCache::renderPlaybackFrame(int frame)

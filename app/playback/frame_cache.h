@@ -56,7 +56,8 @@ private:
     void takeImages(const Order& order);
     std::vector<MotionInputs> planSources(std::vector<int>& sourceOf);
     bool fill(const Order& order, const Watch& watch);
-    QImage draw(const MotionInputs& source, int frame, zre::Image& scratch) const;
+    QImage draw(const MotionInputs& source, int frame, zre::Image& picture,
+                zre::FlybyScratch* scratch = nullptr) const;
 
     MotionInputs m_full;
     MotionInputs m_shared; ///< `m_full`, or the scaled inputs

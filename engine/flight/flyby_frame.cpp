@@ -115,11 +115,15 @@ static Window windowOf(const FlybyCamera& cam, const ZRParams& p, int width, int
     return window;
 }
 
+/// What `out` holds is unspecified then; its memory is used again.
 static void shape(Image& out, int width, int height, int channels)
 {
-    if (out.width == width && out.height == height && out.channels == channels)
-        return;
-    out = Image(width, height, channels >= 3 ? 1 : 0);
+    out.data.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+                    static_cast<std::size_t>(channels));
+    out.width = width;
+    out.height = height;
+    out.channels = channels;
+    out.colorModel = channels >= 3 ? 1 : 0;
 }
 
 /// The two samples about `place` on a line of `size`, each bound to the line.
@@ -297,8 +301,7 @@ static void drawEye(const Image& image, const Image& depth, const FlybyCamera& c
                     const Image* starsImage, const Image* starsDepth, const EyeWindow& shown,
                     FlybyScratch& scratch)
 {
-    if (!scratch.eye.sameSize(image) || scratch.eye.channels != image.channels)
-        scratch.eye = image;
+    shape(scratch.eye, image.width, image.height, image.channels);
     Image* const displaced = p.starOcclusion > 0.0f ? &scratch.displacedDepth : nullptr;
     renderEyeWindow(image, depth, scratch.eye, double(p.parallaxAmount), convergence, offset.x,
                     offset.y, double(p.maxDisparity), cam.warp, cam.cx, cam.cy, cam.warp != 0.0,
@@ -322,7 +325,8 @@ void renderFlybyFrame(const Image& image, const Image& depth, const FlybyCamera&
     const auto sizeOr = [](int wanted, double size) {
         return wanted >= 1 ? wanted : std::max(1, static_cast<int>(size + 0.5));
     };
-    shape(out, sizeOr(outW, window.width), sizeOr(outH, window.height), image.channels);
+    shape(out, sizeOr(outW, window.width), sizeOr(outH, window.height),
+          image.channels >= 3 ? 3 : 1);
     const auto draw = [&](const EyeWindow& shown) {
         drawEye(image, depth, cam, offset, convergence, p, stars, starsImage, starsDepth, shown,
                 memory);
