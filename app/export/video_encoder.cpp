@@ -1,8 +1,10 @@
 #include "app/export/video_encoder.h"
 
+#include <csignal>
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +12,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "app/export/encoder_words.h"
 #include "app/export/frame_farm.h"
 #include "app/export/video_plan.h"
 
@@ -51,14 +54,21 @@ public:
         if (written == VideoEnd::Failed || m_process.error() == QProcess::WriteError ||
             !QFileInfo::exists(m_staged))
             return failedIn("ffmpeg ended before the last frame.");
+        listen();
+        if (m_words.tellOfLostEnd())
+            return failedIn("ffmpeg could not write the end of the file.");
         return {VideoEnd::Done, {}, {}};
     }
 
 private:
     bool start()
     {
-        // A frame is megabytes; through a larger pipe it goes in fewer portions.
-        m_process.setChildProcessModifier([] { fcntl(0, F_SETPIPE_SZ, 1 << 20); });
+        m_process.setChildProcessModifier([] {
+            // A frame is megabytes; through a larger pipe it goes in fewer portions.
+            fcntl(0, F_SETPIPE_SZ, 1 << 20);
+            // Nobody waits for the video of a program that was killed.
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+        });
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(m_job.encoder, m_job.arguments(m_staged));
         return m_process.waitForStarted(5000);
@@ -133,19 +143,12 @@ private:
 
     bool goesOn(const QImage* shown) { return m_goesOn({m_done, m_job.frames, shown}); }
 
-    /// Takes what the encoder says, and keeps its last words only: it may say anything.
-    void listen()
-    {
-        constexpr qsizetype kKept = 4096;
-        m_said += m_process.readAllStandardOutput();
-        if (m_said.size() > kKept)
-            m_said = m_said.right(kKept);
-    }
+    void listen() { m_words.hear(m_process.readAllStandardOutput()); }
 
     QString lastWords()
     {
         listen();
-        return QString::fromLocal8Bit(m_said).trimmed();
+        return m_words.last().replace(m_staged, m_job.path);
     }
 
     VideoResult cancel()
@@ -181,7 +184,7 @@ private:
     const std::function<bool(const VideoProgress&)>& m_goesOn;
     QString m_staged;
     QProcess m_process;
-    QByteArray m_said;
+    EncoderWords m_words;
     QString m_renderError;
     int m_done = 0;
 };
@@ -191,7 +194,9 @@ private:
 VideoResult encodeVideo(const VideoJob& job,
                         const std::function<bool(const VideoProgress&)>& goesOn)
 {
-    const QFileInfo target(job.path);
+    const QFileInfo named(job.path);
+    const QFileInfo target(named.isSymLink() && named.exists() ? named.canonicalFilePath()
+                                                               : job.path);
     QTemporaryDir staging(target.absoluteDir().filePath(".zrvideo-XXXXXX"));
     if (!staging.isValid())
         return {VideoEnd::Failed, "Could not write:\n" + job.path, {}};
@@ -201,7 +206,7 @@ VideoResult encodeVideo(const VideoJob& job,
         return result;
     // rename(2) replaces in one step; QFile::rename would not replace at all.
     if (std::rename(QFile::encodeName(staged).constData(),
-                    QFile::encodeName(job.path).constData()) != 0)
+                    QFile::encodeName(target.filePath()).constData()) != 0)
         return {VideoEnd::Failed, "Could not write:\n" + job.path, {}};
     return result;
 }

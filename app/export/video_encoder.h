@@ -44,6 +44,7 @@ struct VideoResult
 /// Runs `job` on the caller's thread. `goesOn` keeps the user informed and says whether to go on.
 ///
 /// The file is made beside its place under another name and moved there when complete: what stood
-/// there before stays until then, and after a failure or a cancel nothing of the new file is left.
+/// there before stays until then, and after a failure or a cancel nothing of the new file is left. A
+/// link is followed.
 VideoResult encodeVideo(const VideoJob& job,
                         const std::function<bool(const VideoProgress&)>& goesOn);
