@@ -216,6 +216,30 @@ TEST_F(Vr180Files, StillsKeepTheirPixelsAndGainOnePacket)
     EXPECT_EQ(contents(path("still.jpg")), jpeg);
 }
 
+TEST_F(Vr180Files, AnotherReaderFindsThePanoramaOfAStill)
+{
+    if (QStandardPaths::findExecutable("exiftool").isEmpty())
+        GTEST_SKIP() << "exiftool is not installed";
+    QImage picture(640, 320, QImage::Format_RGB32);
+    picture.fill(Qt::darkBlue);
+    const QString png = QString::fromStdString(path("pano.png"));
+    const QString jpeg = QString::fromStdString(path("pano.jpg"));
+    ASSERT_TRUE(picture.save(png) && picture.save(jpeg));
+    ASSERT_TRUE(vr180::injectXmpPng(png.toStdString(), 640, 320));
+    ASSERT_TRUE(vr180::injectXmpJpeg(jpeg.toStdString(), 640, 320));
+    for (const QString& file : {png, jpeg}) {
+        const QByteArray told = run("exiftool", {"-a", "-G1", "-s", file});
+        for (const char* fact :
+             {"UsePanoramaViewer True", "ProjectionType equirectangular", "StereoMode LeftRight",
+              "CroppedAreaImageWidthPixels 640", "CroppedAreaImageHeightPixels 320",
+              "FullPanoWidthPixels 640", "FullPanoHeightPixels 320", "CroppedAreaLeftPixels 0",
+              "CroppedAreaTopPixels 0", "XMPToolkit Zerrith"})
+            EXPECT_TRUE(told.simplified().replace(" : ", " ").contains(fact))
+                << fact << told.toStdString();
+        EXPECT_FALSE(told.contains("Warning")) << told.toStdString();
+    }
+}
+
 TEST_F(Vr180Files, PlayersSeeTheStereoVideo)
 {
     if (QStandardPaths::findExecutable("ffmpeg").isEmpty())
