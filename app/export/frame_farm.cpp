@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 int FrameFarm::threadsFor(int frames)
@@ -16,8 +17,13 @@ FrameFarm::FrameFarm(const Plan& plan, Render render)
     , m_render(std::move(render))
     , m_slots(static_cast<std::size_t>(m_plan.window))
 {
-    for (int i = 0; i < m_plan.threads; ++i)
-        m_threads.emplace_back([this] { work(); });
+    try {
+        for (int i = 0; i < m_plan.threads; ++i)
+            m_threads.emplace_back([this] { work(); });
+    } catch (const std::system_error&) { // those that the system gave have to do
+        if (m_threads.empty())
+            fail("No thread could be started.");
+    }
 }
 
 FrameFarm::~FrameFarm()

@@ -48,10 +48,11 @@ bool injectSpatial(SpatialKind kind, const QString& path)
 QStringList loopedStillArguments(const QString& frame, int seconds, QSize target,
                                  const QStringList& extra, const QString& path)
 {
+    const QString scale =
+        target.isEmpty()
+            ? QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2")
+            : QString("scale=%1:%2:flags=lanczos").arg(target.width()).arg(target.height());
+    // The way from one matrix and range straight to another rounds down: greys would turn green.
     return QStringList{"-y", "-loop", "1", "-t", QString::number(seconds), "-i", frame}
-           << h264Arguments(target.isEmpty() ? QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2")
-                                             : QString("scale=%1:%2:flags=lanczos")
-                                                   .arg(target.width())
-                                                   .arg(target.height()))
-           << extra << path;
+           << h264Arguments(scale + ",format=gbrp") << extra << path;
 }

@@ -212,7 +212,7 @@ bool writeStill(const QString& path, const zre::Image& image, const StillOptions
         why = e.what();
     }
     if (!written && error)
-        *error = QString("Could not write %1:\n%2").arg(path, why);
+        *error = QString("Could not write:\n%1\n%2").arg(path, why);
     return written;
 }
 

@@ -189,6 +189,15 @@ private:
     int m_done = 0;
 };
 
+/// Whether a file may get that name: long work need not be done for nothing.
+bool canStandAt(const QString& path)
+{
+    if (QFileInfo::exists(path))
+        return !QFileInfo(path).isDir();
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.remove();
+}
+
 } // namespace
 
 VideoResult encodeVideo(const VideoJob& job,
@@ -198,7 +207,7 @@ VideoResult encodeVideo(const VideoJob& job,
     const QFileInfo target(named.isSymLink() && named.exists() ? named.canonicalFilePath()
                                                                : job.path);
     QTemporaryDir staging(target.absoluteDir().filePath(".zrvideo-XXXXXX"));
-    if (!staging.isValid())
+    if (!staging.isValid() || !canStandAt(job.path))
         return {VideoEnd::Failed, "Could not write:\n" + job.path, {}};
     const QString staged = staging.filePath("video." + target.suffix());
     VideoResult result = Encoding(job, goesOn, staged).run();

@@ -27,6 +27,26 @@ QSize packedSize(int stereo3d, QSize frame)
     }
 }
 
+QString videoSizeObstacle(QSize video, const QString& cure)
+{
+    if (video.width() < 2 || video.height() < 2)
+        return "A video has at least 2 pixels a side.";
+    if (std::max(video.width(), video.height()) > kLongestVideoSide)
+        return QString("A video has at most %1 pixels a side: choose a smaller %2.")
+            .arg(kLongestVideoSide)
+            .arg(cure);
+    return {};
+}
+
+bool VideoFit::partsEyes(int stereo3d) const
+{
+    constexpr int kNoticed = 100; // a part of the side that large
+    const QSize margins = video - picture;
+    if (stereo3d == kTopBottom)
+        return margins.height() > video.height() / kNoticed;
+    return stereo3d != kFlat && stereo3d != kAnaglyph && margins.width() > video.width() / kNoticed;
+}
+
 static int evenSide(double side)
 {
     return std::max(2, static_cast<int>(std::lround(side)) / 2 * 2);

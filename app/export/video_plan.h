@@ -81,12 +81,19 @@ QSize packedSize(int stereo3d, QSize frame);
 /// The longest side that the encoder of MP4 videos takes.
 inline constexpr int kLongestVideoSide = 16384;
 
+/// Why no video can be of that size, in words that send the user to the control `cure`; empty when
+/// one can.
+QString videoSizeObstacle(QSize video, const QString& cure);
+
 /// How the frames stand in the video.
 struct VideoFit
 {
     QSize picture; ///< as it is scaled
     QSize video;   ///< with the margins
     bool isScaled = false;
+
+    /// Whether margins at the outer sides of a pair take its eyes from the middles of their halves.
+    bool partsEyes(int stereo3d) const;
 };
 VideoFit videoFit(const VideoPlan& plan);
 

@@ -110,10 +110,13 @@ void DesktopPrompter::showMade(const QString& title, const QString& text, const 
     QPushButton* folder = box.addButton("Show in folder", QMessageBox::AcceptRole);
     box.setDefaultButton(QMessageBox::Close);
     box.exec();
+    QString wanted;
     if (box.clickedButton() == file)
-        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+        wanted = path;
     else if (box.clickedButton() == folder)
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+        wanted = QFileInfo(path).absolutePath();
+    if (!wanted.isEmpty() && !QDesktopServices::openUrl(QUrl::fromLocalFile(wanted)))
+        warn(title, "The desktop knows no program that opens it:\n" + wanted);
 }
 
 void DesktopPrompter::showPicture(const QString& title, QImage picture)

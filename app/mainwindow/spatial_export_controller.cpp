@@ -17,7 +17,6 @@
 #include "app/session/session.h"
 #include "engine/qt/zre_qt.h"
 
-static constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
 static constexpr int kLoopSeconds = 3;
 
 SpatialExportController::SpatialExportController(ShellHost& host, QWidget& window,
@@ -75,12 +74,8 @@ QString SpatialExportController::askPath(const SpatialWords& words, const Spatia
     const bool isPicture = !choice.isVideo();
     const SpatialStillRow& still = kSpatialStills[static_cast<std::size_t>(choice.still)];
     const QString suffix = isPicture ? still.suffix : "mp4";
-    const QString path = m_host.prompter().saveFile(
-        words.title, m_videos.startPath(QString("%1.%2").arg(content.name, suffix)),
-        isPicture ? still.filter : words.mp4Filter);
-    if (!path.isEmpty())
-        appcfg::rememberDialogPath(kDialog, path);
-    return path;
+    return m_videos.askPath(words.title, QString("%1.%2").arg(content.name, suffix),
+                            isPicture ? still.filter : words.mp4Filter);
 }
 
 void SpatialExportController::exportMotion(const SpatialWords& words, const SpatialChoice& choice,
@@ -105,7 +100,12 @@ bool SpatialExportController::renderPair(const SpatialWords& words, zre::Image& 
         m_host.pipeline().setTrueColor(appcfg::starTrueColor());
         rendered = m_host.pipeline().renderView(kPairView, {}, pair, nullptr);
     });
-    return ended && rendered;
+    if (rendered)
+        return true;
+    m_host.showStatus({});
+    if (ended) // else the user was told why not
+        m_host.prompter().warn(words.failed, "Could not render the stereo pair");
+    return false;
 }
 
 void SpatialExportController::exportStill(const SpatialWords& words, const SpatialChoice& choice,
@@ -137,7 +137,8 @@ void SpatialExportController::savePicture(const SpatialWords& words, SpatialStil
                            : vr180::injectXmpJpeg(name, pair.width, pair.height);
     });
     if (!written) {
-        m_host.prompter().warn(words.failed, "Could not write:\n" + path + "\n" + error);
+        m_host.showStatus({});
+        m_host.prompter().warn(words.failed, error);
         return;
     }
     const QString text =
@@ -157,6 +158,7 @@ bool SpatialExportController::saveLoop(const SpatialWords& words, int width, con
             frame.open() && zre_qt::toQImage(pair).save(&frame, "JPG", kQuality) && frame.flush();
     });
     if (!saved) {
+        m_host.showStatus({});
         m_host.prompter().warn(words.failed, words.noTempFrame);
         return false;
     }
@@ -173,7 +175,8 @@ bool SpatialExportController::saveLoop(const SpatialWords& words, int width, con
 
 void SpatialExportController::finishVideo(const SpatialWords& words, const QString& path)
 {
-    const bool injected = injectSpatial(words.kind, path);
+    bool injected = false;
+    m_host.busyRun([&] { injected = injectSpatial(words.kind, path); });
     const QString text = (injected ? words.saved : words.savedPlain) + path;
     m_host.showStatus(text);
     m_host.prompter().showMade(words.title, text, path);

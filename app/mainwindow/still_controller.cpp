@@ -79,7 +79,7 @@ void StillController::saveImage()
     bool written = false;
     m_host.busyRun([&] { written = writeStill(path, still, options, &error); });
     if (!written) {
-        m_host.prompter().warn("Export", "Could not write:\n" + path + "\n" + error);
+        m_host.prompter().warn("Export", error);
         return;
     }
     m_made(path);

@@ -105,6 +105,31 @@ QString VideoExportController::startPath(const QString& name) const
     return (session.sourcePath.isEmpty() ? QDir::home() : source.absoluteDir()).filePath(file);
 }
 
+static bool hasSuffix(const QString& path, const QString& suffix)
+{
+    const QString has = QFileInfo(path).suffix().toLower();
+    return has == suffix || (has == "jpeg" && suffix == "jpg");
+}
+
+QString VideoExportController::askPath(const QString& title, const QString& name,
+                                       const QString& filter)
+{
+    const QString suffix = QFileInfo(name).suffix();
+    Prompter& prompter = m_host.prompter();
+    QString path = prompter.saveFile(title, startPath(name), filter);
+    if (path.isEmpty())
+        return path;
+    if (!hasSuffix(path, suffix)) {
+        path += "." + suffix;
+        // The file dialog has asked about another name.
+        if (QFileInfo::exists(path) &&
+            !prompter.choose(title, QFileInfo(path).fileName() + " exists already.", {"Replace"}))
+            return {};
+    }
+    appcfg::rememberDialogPath(kDialog, path);
+    return path;
+}
+
 /// What the frames are made of. False, with the user told, where there is nothing to draw.
 bool VideoExportController::prepare(bool flyby, MotionInputs& inputs, const QString& failureTitle)
 {
@@ -155,13 +180,11 @@ void VideoExportController::encodeVideo(bool flyby)
     plan.fps = wanted.fps;
     const VideoFormat& format = kVideoFormats[static_cast<std::size_t>(plan.format)];
     const StereoFormat& stereo = kStereoFormats[static_cast<std::size_t>(plan.stereo3d)];
-    const QString path = m_host.prompter().saveFile(
-        words.title,
-        startPath(QString("%1%2.%3").arg(words.fileName, stereo.suffix, format.suffix)),
-        format.filter);
+    const QString path =
+        askPath(words.title, QString("%1%2.%3").arg(words.fileName, stereo.suffix, format.suffix),
+                format.filter);
     if (path.isEmpty())
         return;
-    appcfg::rememberDialogPath(kDialog, path);
 
     MotionInputs inputs;
     if (!prepare(flyby, inputs, kExportFailed))
@@ -223,9 +246,8 @@ bool VideoExportController::encodeTo(const VideoJob& job, const Words& words,
     VideoResult result;
     if (!run(job, words, result))
         return false;
-    if (result.end == VideoEnd::Canceled)
-        m_host.showStatus(kCanceled);
-    else if (result.end == VideoEnd::Failed)
+    m_host.showStatus(result.end == VideoEnd::Canceled ? kCanceled : "");
+    if (result.end == VideoEnd::Failed)
         m_host.prompter().warn(
             failureTitle, result.said.isEmpty() ? result.error : "ffmpeg failed:\n" + result.said);
     return result.end == VideoEnd::Done;

@@ -59,10 +59,12 @@ public:
     QString requireFfmpeg(const QString& text, const QString& help);
     /// Whether the flyby is what the user means: a script with errors plays the built-in one.
     bool confirmFlyby(const MotionFacts& facts, const QString& title);
-    /// Where to begin to look for a place for `name` with the image's name before it.
-    QString startPath(const QString& name) const;
+    /// Asks for a place for the file `name`, with the image's name before it. The file gets the
+    /// suffix of `name` in any case, since that tells what it holds. Empty when the user cancels.
+    QString askPath(const QString& title, const QString& name, const QString& filter);
 
 private:
+    QString startPath(const QString& name) const;
     bool prepare(bool flyby, MotionInputs& inputs, const QString& failureTitle);
     bool run(const VideoJob& job, const Words& words, VideoResult& result);
 

@@ -44,10 +44,18 @@ EncodeDialog::EncodeDialog(const QString& title, const QString& text, int frames
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &EncodeDialog::reject);
     column->addWidget(buttons);
+    // One key press too many on the dialogs before this one must not end it.
+    buttons->button(QDialogButtonBox::Cancel)->setAutoDefault(false);
+    setFocus();
     setMinimumWidth(kPictureSize.width());
-    setCursor(Qt::ArrowCursor); // the one that waits is the window's
+    QGuiApplication::setOverrideCursor(Qt::ArrowCursor); // the one that waits is the window's
     m_elapsed.start();
     show();
+}
+
+EncodeDialog::~EncodeDialog()
+{
+    QGuiApplication::restoreOverrideCursor();
 }
 
 void EncodeDialog::reject()

@@ -17,6 +17,7 @@ class EncodeDialog final : public QDialog
 public:
     /// Without `frames` nothing can be told of the way, and the bar only moves.
     EncodeDialog(const QString& title, const QString& text, int frames, QWidget* parent);
+    ~EncodeDialog() override;
 
     /// Shows how far the work is and lets the user act; false once the user has cancelled.
     bool advance(const VideoProgress& progress);

@@ -151,6 +151,7 @@ QWidget* ExportDialog::buildRate()
     auto* row = new QHBoxLayout(rate);
     row->setContentsMargins({});
     m_fps->setObjectName("exportFps");
+    m_fps->setAccessibleName("Frame rate in frames a second");
     m_fps->setRange(1, kMostFps);
     m_ownRate->setObjectName("exportOwnRate");
     m_ownRate->setText(QString("Use its own rate (%1)").arg(m_ownFps));
@@ -284,16 +285,19 @@ void ExportDialog::tellOutcome()
     plan.fps = wanted.fps;
     plan.frame = m_frame;
     const VideoFit fit = videoFit(plan);
-    const bool fits = std::max(fit.video.width(), fit.video.height()) <= kLongestVideoSide;
-    QString text = QString("%1 frames, %2 s  -  %3 pixels")
+    QString text = QString("%1 frame%2, %3 s  -  %4 pixels")
                        .arg(m_frames)
+                       .arg(m_frames == 1 ? "" : "s")
                        .arg(static_cast<double>(m_frames) / wanted.fps, 0, 'f', 1)
                        .arg(sizeText(fit.video));
-    if (!fits)
-        text += QString(". A video has at most %1 pixels a side: choose a smaller output size.")
-                    .arg(kLongestVideoSide);
+    const QString obstacle = videoSizeObstacle(fit.video, "output size");
+    if (!obstacle.isEmpty())
+        text += ". " + obstacle;
     else if (fit.picture != fit.video)
         text += QString(", the picture %1 within black bars").arg(sizeText(fit.picture));
+    if (obstacle.isEmpty() && fit.partsEyes(plan.stereo3d))
+        text += ". They move the two eyes apart: the original size, or a smaller custom size that "
+                "keeps the aspect ratio, has none.";
     m_outcome->setText(text);
-    m_accept->setEnabled(fits);
+    m_accept->setEnabled(obstacle.isEmpty());
 }

@@ -131,12 +131,10 @@ void SpatialDialog::follow()
     m_size->setEnabled(chosen.isVideo());
     const QSize target = spatialTarget(pairSize(), chosen.width);
     const QSize size = target.isEmpty() ? pairSize() : target;
-    const bool fits =
-        !chosen.isVideo() || std::max(size.width(), size.height()) <= kLongestVideoSide;
+    const QString obstacle = chosen.isVideo() ? videoSizeObstacle(size, "video size") : QString();
     QString text = QString("%1 x %2 pixels").arg(size.width()).arg(size.height());
-    if (!fits)
-        text += QString(". A video has at most %1 pixels a side: choose a smaller video size.")
-                    .arg(kLongestVideoSide);
+    if (!obstacle.isEmpty())
+        text += ". " + obstacle;
     m_outcome->setText(text);
-    m_accept->setEnabled(fits);
+    m_accept->setEnabled(obstacle.isEmpty());
 }

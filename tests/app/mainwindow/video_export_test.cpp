@@ -180,6 +180,72 @@ TEST_F(Exporting, AFailureShowsTheEncodersWordsAndKeepsTheOldFile)
     EXPECT_FALSE(host.isBusy());
 }
 
+TEST_F(Exporting, TheNameTellsWhatTheFileHolds)
+{
+    useEncoder(kRecorder);
+    const auto made = [&](const char* name) {
+        answer(name);
+        host.script.made.clear();
+        videos.encodeVideo(false);
+        return host.script.made.value(0).section('|', 2);
+    };
+    EXPECT_EQ(made("film"), folder.filePath("film.mp4"));
+    EXPECT_EQ(made("m31 v1.2"), folder.filePath("m31 v1.2.mp4"));
+    EXPECT_EQ(made("%03d-film:\xc3\xa9.MP4"), folder.filePath("%03d-film:\xc3\xa9.MP4"));
+    const QByteArray old = contents(folder.filePath("film.mp4"));
+    host.document.params.wiggleFrames = 1;
+    EXPECT_EQ(made("film"), "") << "the user thought better of it";
+    EXPECT_TRUE(host.script.questions.back().endsWith("|film.mp4 exists already.|Replace"));
+    EXPECT_TRUE(contents(folder.filePath("film.mp4")) == old);
+    host.script.choices = {0};
+    EXPECT_EQ(made("film"), folder.filePath("film.mp4"));
+    EXPECT_FALSE(contents(folder.filePath("film.mp4")) == old);
+    spatial.still = SpatialStill::Png;
+    answer("pair.jpg");
+    spatials.exportVR180();
+    EXPECT_TRUE(contents(folder.filePath("pair.jpg.png")).startsWith("\x89PNG"));
+    spatial.still = SpatialStill::Jpeg;
+    answer("pair.jpeg");
+    spatials.exportVR180();
+    EXPECT_TRUE(
+        host.script.made.back().contains("VR180 image saved: " + folder.filePath("pair.jpeg|")));
+}
+
+TEST_F(Exporting, APlaceThatCannotBeIsToldOfBeforeAnythingIsMade)
+{
+    const QString mark = folder.filePath("encoder-ran");
+    useEncoder("touch '" + mark + "'");
+    ASSERT_TRUE(QDir(folder.path()).mkdir("folder.mp4"));
+    for (const QString& name :
+         {QString("folder.mp4"), QString("absent/out.mp4"), QString(300, 'x') + ".mp4"}) {
+        host.script.answers = {folder.filePath(name)};
+        videos.encodeVideo(false);
+        EXPECT_EQ(host.script.warned.takeLast(),
+                  "Export failed|Could not write:\n" + folder.filePath(name));
+    }
+    EXPECT_FALSE(QFile::exists(mark));
+}
+
+TEST_F(Exporting, AGreyStillStaysGreyInAVideo)
+{
+    if (!useFfmpeg())
+        GTEST_SKIP() << "ffmpeg or ffprobe is not installed";
+    zre::Image grey(64, 48, 1);
+    std::fill(grey.data.begin(), grey.data.end(), 0.5f);
+    host.document.installSource(folder.filePath("grey.png"), std::move(grey), {}, {});
+    spatial.still = SpatialStill::Mp4;
+    const QString path = answer("grey.mp4");
+    spatials.exportVR180();
+    QProcess ffmpeg;
+    ffmpeg.start("ffmpeg", {"-v", "error", "-i", path, "-frames:v", "1", "-f", "rawvideo",
+                            "-pix_fmt", "rgb24", "-"});
+    ffmpeg.waitForFinished();
+    const QByteArray pixels = ffmpeg.readAllStandardOutput();
+    ASSERT_EQ(pixels.size(), 128 * 48 * 3);
+    for (const char pixel : pixels)
+        ASSERT_NEAR(static_cast<unsigned char>(pixel), 128, 1);
+}
+
 TEST_F(Exporting, ACancelInTheDialogLeavesNothing)
 {
     useEncoder("exec cat > /dev/null");

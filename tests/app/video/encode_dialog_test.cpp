@@ -1,6 +1,8 @@
 #include "app/video/encode_dialog.h"
 
+#include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 
@@ -39,7 +41,14 @@ TEST(EncodeDialog, ShowsTheFrameJustWrittenUntilTheUserCancels)
     const QImage shown = dialog.findChild<QLabel*>("encodePicture")->pixmap().toImage();
     EXPECT_EQ(shown.size(), QSize(400, 133)) << "unshaped";
     EXPECT_EQ(shown.pixelColor(200, 60), QColor(Qt::red));
-    dialog.reject();
+    const auto press = [&](Qt::Key key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(dialog.focusWidget() ? dialog.focusWidget() : &dialog, &event);
+    };
+    press(Qt::Key_Return);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(dialog.advance({5, 12, nullptr})) << "left over from the file dialog";
+    press(Qt::Key_Escape);
     EXPECT_TRUE(dialog.isVisible()) << "until the encoder is gone";
     EXPECT_FALSE(dialog.advance({6, 12, nullptr}));
 }

@@ -127,8 +127,16 @@ TEST_F(Choosing, WhatComesOutIsTold)
     EXPECT_FALSE(accept->isEnabled()) << "18000 pixels are too wide";
     choice(dialog, "exportSize").setCurrentIndex(3);
     EXPECT_TRUE(accept->isEnabled());
-    EXPECT_EQ(outcome(dialog), "30 frames, 1.5 s  -  3840 x 1080 pixels, the picture 3240 x 1080 "
-                               "within black bars");
+    EXPECT_EQ(outcome(dialog),
+              "30 frames, 1.5 s  -  3840 x 1080 pixels, the picture 3240 x 1080 "
+              "within black bars. They move the two eyes apart: the original size, or a "
+              "smaller custom size that keeps the aspect ratio, has none.");
+    choice(dialog, "exportStereo").setCurrentIndex(4);
+    EXPECT_TRUE(outcome(dialog).endsWith("black bars")) << "beside both eyes alike";
+    choice(dialog, "exportSize").setCurrentIndex(0);
+    dialog.setMotion({3, 1}, 1);
+    EXPECT_FALSE(accept->isEnabled()) << "half an eye of one row";
+    EXPECT_TRUE(outcome(dialog).startsWith("1 frame, "));
 }
 
 } // namespace
