@@ -74,7 +74,10 @@ MainWindow::MainWindow(std::unique_ptr<Prompter> prompter)
     m_pipeline.setStageReporter([this](int percent, const QString& text) { //
         stageStatus(percent, text);
     });
-    m_preview->setDropOffer([this](const QList<QUrl>& urls) { return m_drops.offer(urls); });
+    m_preview->setDropOffer([this](const QList<QUrl>& urls) {
+        // A question about the open document must not end on another one.
+        return QApplication::activeModalWidget() ? QString() : m_drops.offer(urls);
+    });
     const auto takeDrop = [this](const QList<QUrl>& urls) { m_drops.take(urls); };
     connect(m_preview, &PreviewView::filesDropped, this, takeDrop,
             Qt::QueuedConnection); // a box must not hold up the program dragged from

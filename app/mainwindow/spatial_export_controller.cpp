@@ -97,6 +97,7 @@ bool SpatialExportController::renderPair(const SpatialWords& words, zre::Image& 
     m_host.showStatus(words.rendering);
     bool rendered = false;
     const bool ended = m_host.busyRun([&] {
+        const ProgressScope progress(m_host, words.title, words.rendering);
         m_host.pipeline().setTrueColor(appcfg::starTrueColor());
         rendered = m_host.pipeline().renderView(kPairView, {}, pair, nullptr);
     });

@@ -133,9 +133,11 @@ QString VideoExportController::askPath(const QString& title, const QString& name
 /// What the frames are made of. False, with the user told, where there is nothing to draw.
 bool VideoExportController::prepare(bool flyby, MotionInputs& inputs, const QString& failureTitle)
 {
+    const char* title = wordsOf(flyby).title;
     RenderPipeline& pipeline = m_host.pipeline();
     pipeline.setTrueColor(appcfg::starTrueColor());
-    if (!m_host.busyRun([&] { //
+    if (!m_host.busyRun([&] {
+            const ProgressScope progress(m_host, title, "Preparing the frames...");
             inputs = motionInputs(m_host.session(), pipeline, flyby, flybyOptions());
         }))
         return false;

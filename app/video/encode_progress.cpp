@@ -21,7 +21,9 @@ QString encodeProgressText(int done, int frames, double elapsedSeconds)
     if (done >= frames)
         return text + "  -  finishing the file";
     const double rate = done / elapsedSeconds;
+    const QString shown = rate < 1.0 ? QString::number(rate, 'g', 2)
+                                     : QString::number(rate, 'f', rate < 10.0 ? 1 : 0);
     return text + QString("  -  %1 frames a second  -  %2 left")
-                      .arg(rate, 0, 'f', rate < 10.0 ? 1 : 0)
+                      .arg(shown)
                       .arg(durationText((frames - done) / rate));
 }

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -162,6 +163,11 @@ TEST_F(Window, ADroppedImageOpensAndOtherDropsAreRefused)
     const QString path = noiseFile("dropped.png");
     EXPECT_FALSE(drop({QUrl::fromLocalFile(path + ".txt")}));
     EXPECT_FALSE(drop({QUrl("https://example.org/picture.png")}));
+    QDialog question(&window);
+    question.setModal(true);
+    question.show();
+    EXPECT_FALSE(drop({QUrl::fromLocalFile(path)}));
+    question.hide();
     EXPECT_TRUE(drop({QUrl::fromLocalFile(path)}));
     EXPECT_EQ(status(), "dropped.png  -  120 x 80");
     EXPECT_EQ(window.windowTitle().section(" - ", 0, 0), "dropped.png");

@@ -23,6 +23,7 @@ TEST(EncodeProgress, RateAndTimeLeftComeWithTheFrames)
         {0, 40, 60.0, "0 of 40 frames"},
         {3, 40, 1.0, "3 of 40 frames"},
         {10, 40, 4.0, "10 of 40 frames  -  2.5 frames a second  -  12 s left"},
+        {1, 5, 30.0, "1 of 5 frames  -  0.033 frames a second  -  2 min 0 s left"},
         {100, 2500, 5.0, "100 of 2500 frames  -  20 frames a second  -  2 min 0 s left"},
         {100, 100000, 10.0, "100 of 100000 frames  -  10 frames a second  -  2 h 46 min left"},
         {40, 40, 9.0, "40 of 40 frames  -  finishing the file"},
