@@ -14,6 +14,39 @@
 
 #include "app/mainwindow/preview_view.h"
 
+/// Names may be long and hold no blank to break a line at.
+static QString breakable(const QString& text)
+{
+    constexpr int kLongestWord = 48;
+    constexpr QChar kMayBreak(0x200B);
+    QString out;
+    int letters = 0;
+    for (const QChar letter : text) {
+        out += letter;
+        letters = letter.isSpace() ? 0 : letters + 1;
+        if (letters >= kLongestWord && !letter.isHighSurrogate()) {
+            out += kMayBreak;
+            letters = 0;
+        }
+    }
+    return out;
+}
+
+/// The head and the end of what is too long for a box.
+static QString shortened(const QString& text)
+{
+    constexpr int kHead = 3;
+    constexpr qsizetype kMostRows = 20;
+    constexpr qsizetype kRowLetters = 48;
+    const QStringList lines = text.split('\n');
+    qsizetype end = lines.size();
+    for (qsizetype rows = 0; end > kHead && rows < kMostRows; --end)
+        rows += 1 + lines[end - 1].size() / kRowLetters;
+    if (end <= kHead)
+        return text;
+    return lines.first(kHead).join('\n') + "\n...\n" + lines.sliced(end).join('\n');
+}
+
 QString DesktopPrompter::openFile(const QString& title, const QString& startAt,
                                   const QString& filter)
 {
@@ -62,7 +95,7 @@ bool DesktopPrompter::remind(const QString& title, const QString& text, const QS
 std::optional<bool> DesktopPrompter::confirm(const QString& title, const QString& text,
                                              const QString& accept, const QString& offer)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Cancel, m_parent);
+    QMessageBox box(QMessageBox::Question, title, breakable(text), QMessageBox::Cancel, m_parent);
     box.setTextFormat(Qt::PlainText);
     QPushButton* accepted = box.addButton(accept, QMessageBox::AcceptRole);
     box.setDefaultButton(accepted);
@@ -75,8 +108,12 @@ std::optional<bool> DesktopPrompter::confirm(const QString& title, const QString
 void DesktopPrompter::warn(const QString& title, const QString& text)
 {
     // Plain text: the message may quote a file name with markup in it.
-    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, m_parent);
+    const QString told = text.trimmed();
+    const QString shown = shortened(told);
+    QMessageBox box(QMessageBox::Warning, title, breakable(shown), QMessageBox::Ok, m_parent);
     box.setTextFormat(Qt::PlainText);
+    if (shown != told)
+        box.setDetailedText(told);
     box.exec();
 }
 
@@ -91,7 +128,7 @@ void DesktopPrompter::tell(const QString& title, const QString& richText)
 std::optional<int> DesktopPrompter::choose(const QString& title, const QString& text,
                                            const QStringList& choices)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Cancel, m_parent);
+    QMessageBox box(QMessageBox::Question, title, breakable(text), QMessageBox::Cancel, m_parent);
     box.setTextFormat(Qt::PlainText);
     QList<QAbstractButton*> buttons;
     for (const QString& choice : choices)
@@ -104,7 +141,7 @@ std::optional<int> DesktopPrompter::choose(const QString& title, const QString& 
 
 void DesktopPrompter::showMade(const QString& title, const QString& text, const QString& path)
 {
-    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Close, m_parent);
+    QMessageBox box(QMessageBox::Information, title, breakable(text), QMessageBox::Close, m_parent);
     box.setTextFormat(Qt::PlainText);
     QPushButton* file = box.addButton("Open file", QMessageBox::AcceptRole);
     QPushButton* folder = box.addButton("Show in folder", QMessageBox::AcceptRole);

@@ -130,7 +130,9 @@ void SpatialDialog::follow()
     m_stillBox->setEnabled(chosen.content == SpatialContent::Still);
     m_size->setEnabled(chosen.isVideo());
     const QSize target = spatialTarget(pairSize(), chosen.width);
-    const QSize size = target.isEmpty() ? pairSize() : target;
+    QSize size = target.isEmpty() ? pairSize() : target;
+    if (chosen.isVideo())
+        size = QSize(size.width() / 2 * 2, size.height() / 2 * 2);
     const QString obstacle = chosen.isVideo() ? videoSizeObstacle(size, "video size") : QString();
     QString text = QString("%1 x %2 pixels").arg(size.width()).arg(size.height());
     if (!obstacle.isEmpty())

@@ -38,8 +38,9 @@ TEST(SpatialDialog, WhatIsChosenComesBackAndTheSizeBelongsToVideosOnly)
 
 TEST(SpatialDialog, AppleKnowsVideosOnlyAndAFlightHasToBeThere)
 {
-    SpatialDialog dialog(kAppleSpatialWords, {{600, 400}, {}}, nullptr);
+    SpatialDialog dialog(kAppleSpatialWords, {{601, 401}, {}}, nullptr);
     dialog.show();
+    EXPECT_EQ(dialog.findChild<QLabel*>("spatialOutcome")->text(), "1202 x 400 pixels") << "even";
     EXPECT_TRUE(dialog.choice().isVideo());
     EXPECT_EQ(dialog.choice().still, SpatialStill::Mp4);
     EXPECT_FALSE(radio(dialog, "spatialContent.2").isVisible());
