@@ -13,6 +13,10 @@
 #define ZR_MULTIVERSION __attribute__((target_clones("avx2", "default"), noinline))
 #define ZR_MULTIVERSION_512                                                                        \
     __attribute__((target_clones("arch=x86-64-v4", "avx2", "default"), noinline))
+/// A kernel, and a step of such, that is written in the instructions of AVX2; defined only where
+/// there is such a road, and called where `__builtin_cpu_supports("avx2")` says so.
+#define ZR_AVX2_KERNEL __attribute__((target("avx2"), noinline))
+#define ZR_AVX2_STEP __attribute__((target("avx2"), always_inline)) static inline
 #else
 #define ZR_MULTIVERSION __attribute__((noinline))
 #define ZR_MULTIVERSION_512 __attribute__((noinline))

@@ -1,9 +1,9 @@
 #include "engine/stereo/gather.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "engine/image/multiversion.h"
+#include "engine/stereo/sample_windows.h"
 #include "engine/stereo/seen_band.h"
 
 namespace zre {
@@ -122,55 +122,6 @@ ZR_MULTIVERSION_512 void placeClamped(const Warp& warp, const Cells& cells, Cell
     placeAll(warp, true, cells, landed, places);
 }
 
-/// Two neighbouring samples from each of two places.
-ZR_KERNEL_STEP Floats twoPairs(const float* one, const float* other)
-{
-    using Pairs = double __attribute__((vector_size(16)));
-    double first = 0.0;
-    double second = 0.0;
-    std::memcpy(&first, one, sizeof first);
-    std::memcpy(&second, other, sizeof second);
-    const Pairs pairs{first, second};
-    return reinterpret_cast<Floats>(pairs);
-}
-
-struct Samples
-{
-    float left[kChunk];
-    float right[kChunk];
-};
-
-/// The sample at each place and the one behind it, for whole groups of four.
-ZR_KERNEL_STEP void fetch(const float* plane, const std::int32_t* first, int size, Samples& samples)
-{
-    for (int i = 0; i < size; i += 4) {
-        const Floats one = twoPairs(plane + first[i], plane + first[i + 1]);
-        const Floats other = twoPairs(plane + first[i + 2], plane + first[i + 3]);
-        store(__builtin_shufflevector(one, other, 0, 2, 4, 6), samples.left + i);
-        store(__builtin_shufflevector(one, other, 1, 3, 5, 7), samples.right + i);
-    }
-}
-
-ZR_MULTIVERSION void sampleCells(const float* plane, std::ptrdiff_t stride,
-                                 const std::int32_t* __restrict first, int size,
-                                 const double* __restrict fu, const double* __restrict fv,
-                                 float* __restrict out)
-{
-    Samples upper;
-    Samples lower;
-    fetch(plane, first, size, upper);
-    fetch(plane + stride, first, size, lower);
-    for (int i = 0; i < size; ++i) {
-        const double a = upper.left[i];
-        const double b = upper.right[i];
-        const double c = lower.left[i];
-        const double e = lower.right[i];
-        const double top = a + (b - a) * fu[i];
-        const double bottom = c + (e - c) * fu[i];
-        out[i] = static_cast<float>(top + (bottom - top) * fv[i]);
-    }
-}
-
 ZR_MULTIVERSION void copyDepths(const float* __restrict seen, int size, float* __restrict depth)
 {
     for (int i = 0; i < size; ++i)
@@ -222,13 +173,10 @@ void Gather::fillChunk(Cell* cells, int x, int size, int y, float* seen)
         {m_fu.data(), m_fv.data(), m_first.data(), m_edge.data(), seen, m_source.data()});
     const bool narrow = m_src.width < 2 || m_src.height < 2;
     if (!narrow) {
-        std::fill(m_first.begin() + size, m_first.begin() + (size + 3) / 4 * 4, 0);
-        prefetch(0, size);
-        for (int c = 0; c < m_src.channels; ++c) {
-            prefetch(c + 1, size);
-            sampleCells(m_src.plane(c), m_src.width, m_first.data(), size, m_fu.data(), m_fv.data(),
-                        m_out.plane(c) + indexOf(m_out, x, y));
-        }
+        for (int c = 0; c < m_src.channels; ++c)
+            prefetch(c, size);
+        sampleCells(m_src, {m_first.data(), m_fu.data(), m_fv.data(), size}, m_out,
+                    indexOf(m_out, x, y));
         if (!anyNegative(m_edge.data(), size))
             return;
     }
@@ -239,15 +187,14 @@ void Gather::fillChunk(Cell* cells, int x, int size, int y, float* seen)
     }
 }
 
-/// Asks for the lower samples of the cells in a plane, mostly those of a row not yet read.
+/// Asks for the samples in a plane below the cells', which the next rows need.
 void Gather::prefetch(int channel, int size) const
 {
     constexpr int kSamplesInLine = 16;
-    if (channel >= m_src.channels)
-        return;
-    const float* const lower = m_src.plane(channel) + m_src.width;
+    constexpr int kRowsAhead = 3;
+    const float* const later = m_src.plane(channel) + kRowsAhead * m_src.width;
     for (int i = 0; i < size; i += kSamplesInLine)
-        __builtin_prefetch(lower + m_first[static_cast<std::size_t>(i)]);
+        __builtin_prefetch(later + m_first[static_cast<std::size_t>(i)], 0, 2);
 }
 
 /// Fills a cell wherever it samples; the last column and row repeat.

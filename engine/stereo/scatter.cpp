@@ -102,9 +102,9 @@ void Scatter::landRow(const float* depth, int y, const RowSpan& span, LandingBan
 {
     if (m_from.first < m_from.end)
         aim(depth, m_from.first, y, span, band, m_aims[0]);
-    for (int x = m_from.first, turn = 0; x < m_from.end; x += kChunk, turn ^= 1) {
-        if (x + kChunk < m_from.end)
-            aim(depth, x + kChunk, y, span, band, m_aims[static_cast<std::size_t>(turn ^ 1)]);
+    for (int x = m_from.first, turn = 0; x < m_from.end; x += kAimed, turn ^= 1) {
+        if (x + kAimed < m_from.end)
+            aim(depth, x + kAimed, y, span, band, m_aims[static_cast<std::size_t>(turn ^ 1)]);
         const Aims& aims = m_aims[static_cast<std::size_t>(turn)];
         if (m_splat)
             spread(aims, band.cells());
@@ -117,7 +117,7 @@ void Scatter::aim(const float* depth, int x, int y, const RowSpan& span, Landing
                   Aims& aims)
 {
     constexpr std::size_t kCellsInLine = 8;
-    aims.size = std::min(kChunk, m_from.end - x);
+    aims.size = std::min(kAimed, m_from.end - x);
     const Aim aim{x,
                   aims.size,
                   y,

@@ -20,11 +20,13 @@ public:
     void landRow(const float* depth, int y, const RowSpan& span, LandingBand& band);
 
 private:
+    static constexpr int kAimed = 128; ///< pixels of a chunk
+
     /// Where the pixels of a chunk are to land.
     struct Aims
     {
         template <typename T>
-        using PerPixel = std::array<T, kChunk>;
+        using PerPixel = std::array<T, kAimed>;
 
         int size = 0;
         PerPixel<LandingBand::Cell> pixel; ///< what the cell becomes that a pixel takes
