@@ -36,7 +36,7 @@ void RenderController::onParamsChanged()
     m_timer.start();
 }
 
-// Work under way shows its stages in a dialog that lets timers run.
+// Work under way shows its stages in a dialog that lets timers run, and what it works on must stay.
 void RenderController::onRenderTimer()
 {
     if (m_host.isBusy())
@@ -48,7 +48,7 @@ void RenderController::onRenderTimer()
 void RenderController::onOutputModeChanged(int view)
 {
     m_host.session().outputMode = view;
-    renderNow();
+    onRenderTimer();
 }
 
 void RenderController::showDocument()

@@ -38,6 +38,8 @@ SpatialExportController::SpatialExportController(ShellHost& host, QWidget& windo
 
 void SpatialExportController::exportAs(const SpatialWords& words)
 {
+    if (m_host.isBusy())
+        return;
     if (!m_host.session().hasSource()) {
         m_host.showStatus("Open an image first.");
         return;

@@ -54,6 +54,8 @@ QString StillController::startPath() const
 
 void StillController::saveImage()
 {
+    if (m_host.isBusy())
+        return;
     const Session& session = m_host.session();
     if (!session.hasSource()) {
         m_host.showStatus("Nothing to save yet - open an image first.");

@@ -158,6 +158,8 @@ bool VideoExportController::run(const VideoJob& job, const Words& words, VideoRe
 
 void VideoExportController::encodeVideo(bool flyby)
 {
+    if (m_host.isBusy()) // a menu of the desktop, or a screen reader, reaches past dialogs
+        return;
     const QString ffmpeg = requireFfmpeg("Video export needs ffmpeg, which is not configured.",
                                          "Set its location in Edit > Preferences.");
     if (ffmpeg.isEmpty())

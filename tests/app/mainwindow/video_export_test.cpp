@@ -255,12 +255,15 @@ TEST_F(Exporting, ACancelInTheDialogLeavesNothing)
         for (QWidget* each : QApplication::topLevelWidgets())
             if (auto* dialog = qobject_cast<EncodeDialog*>(each))
                 dialog->reject();
+        videos.encodeVideo(true);
+        spatials.exportVR180();
     });
     press.start(50);
     const QString path = answer("out.mp4");
     videos.encodeVideo(false);
     EXPECT_EQ(host.statuses.back(), "Export canceled.");
     EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(host.script.asked.size(), 1) << "one at a time";
     EXPECT_TRUE(host.script.warned.isEmpty() && host.script.made.isEmpty());
 }
 
