@@ -48,14 +48,14 @@ std::optional<std::string> scaled(std::string_view literal, double factor)
     return std::to_string(std::llround(*value * factor));
 }
 
-/// Rewrites one line; words are taken from its end, so that offsets hold.
+/// Rewrites one line, from its beginning on.
 class LineScaler
 {
 public:
     LineScaler(std::string_view line, const Factors& factors)
         : m_tokens(script::tokensOf(line))
         , m_factors(factors)
-        , m_text(line)
+        , m_line(line)
     {
     }
 
@@ -68,10 +68,10 @@ public:
         const auto row = std::find_if(kCommands.begin(), kCommands.end(),
                                       [&](const CommandRow& r) { return name == r.name; });
         if (row != kCommands.end()) {
-            scaleWord(2, row->second);
             scaleWord(1, row->first);
+            scaleWord(2, row->second);
         }
-        return m_text;
+        return m_text.append(m_line.substr(m_done));
     }
 
 private:
@@ -83,7 +83,7 @@ private:
 
     void scaleParameters()
     {
-        for (std::size_t i = m_tokens.size(); i-- > 1;) {
+        for (std::size_t i = 1; i < m_tokens.size(); ++i) {
             const Token& token = m_tokens[i];
             const std::size_t cut = token.text.find('=');
             const std::string name = script::lowerCase(token.text.substr(0, cut));
@@ -96,12 +96,17 @@ private:
 
     void replace(std::string_view literal, std::size_t offset, double factor)
     {
-        if (const std::optional<std::string> text = scaled(literal, factor))
-            m_text.replace(offset, literal.size(), *text);
+        const std::optional<std::string> text = scaled(literal, factor);
+        if (!text)
+            return;
+        m_text.append(m_line.substr(m_done, offset - m_done)).append(*text);
+        m_done = offset + literal.size();
     }
 
     std::vector<Token> m_tokens;
     const Factors& m_factors;
+    std::string_view m_line;
+    std::size_t m_done = 0; ///< how much of it stands in the text
     std::string m_text;
 };
 
