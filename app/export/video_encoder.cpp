@@ -2,6 +2,8 @@
 
 #include <csignal>
 #include <cstdio>
+#include <deque>
+#include <numeric>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -87,6 +89,7 @@ private:
             if (farm.waitForNext(isFeeding ? 0 : kStepMs)) {
                 const QImage frame = farm.takeNext();
                 write(frame);
+                forgetWritten();
                 ++m_done;
                 if (!goesOn(&frame) || !drainTo(kMostWaiting))
                     return VideoEnd::Canceled;
@@ -107,12 +110,27 @@ private:
     {
         const QImage frame = picture.convertToFormat(QImage::Format_RGB888);
         const auto rowBytes = qint64{frame.width()} * 3;
-        if (frame.bytesPerLine() == rowBytes) {
-            m_process.write(reinterpret_cast<const char*>(frame.constBits()), frame.sizeInBytes());
-            return;
+        const auto* const pixels = reinterpret_cast<const char*>(frame.constBits());
+        if (frame.bytesPerLine() == rowBytes) { // the process takes it as it is, without a copy
+            m_waiting.push_back(frame);
+            m_process.write(QByteArray::fromRawData(pixels, frame.sizeInBytes()));
+        } else {
+            for (int y = 0; y < frame.height(); ++y)
+                m_process.write(pixels + y * frame.bytesPerLine(), rowBytes);
         }
-        for (int y = 0; y < frame.height(); ++y)
-            m_process.write(reinterpret_cast<const char*>(frame.constScanLine(y)), rowBytes);
+    }
+
+    /// Lets go of frames that are through.
+    void forgetWritten()
+    {
+        const auto waiting = [this] {
+            return std::accumulate(
+                m_waiting.begin(), m_waiting.end(), qint64{0},
+                [](qint64 sum, const QImage& frame) { return sum + frame.sizeInBytes(); });
+        };
+        while (!m_waiting.empty() &&
+               waiting() - m_waiting.front().sizeInBytes() >= m_process.bytesToWrite())
+            m_waiting.pop_front();
     }
 
     /// False on a cancel. A dead encoder would take bytes for ever: the caller looks for it.
@@ -183,6 +201,7 @@ private:
     const VideoJob& m_job;
     const std::function<bool(const VideoProgress&)>& m_goesOn;
     QString m_staged;
+    std::deque<QImage> m_waiting; ///< whose pixels the process still reads; outlives it
     QProcess m_process;
     EncoderWords m_words;
     QString m_renderError;
