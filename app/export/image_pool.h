@@ -4,19 +4,19 @@
 #include <utility>
 #include <vector>
 
-#include "engine/flight/flyby_frame.h"
+#include "app/export/motion_frame.h"
 #include "engine/image/image.h"
 
-/// Lends images to threads that need one for a while each, and what drawing a flyby's frame on it
-/// takes: without a picture, but with the memory of earlier ones, since the first touch of fresh
-/// memory costs as much as a filter over it. There are never more than were lent at one time. The
-/// pool outlives its loans.
+/// Lends images to threads that need one for a while each, and what drawing a frame on it takes
+/// beside it: without a picture, but with the memory of earlier ones, since the first touch of
+/// fresh memory costs as much as a filter over it. There are never more than were lent at one time.
+/// The pool outlives its loans.
 class ImagePool
 {
     struct Memory
     {
         zre::Image image;
-        zre::FlybyScratch flyby;
+        MotionScratch scratch;
     };
 
 public:
@@ -33,7 +33,7 @@ public:
         Loan& operator=(const Loan&) = delete;
 
         zre::Image& operator*() { return m_memory.image; }
-        zre::FlybyScratch& flyby() { return m_memory.flyby; }
+        MotionScratch& scratch() { return m_memory.scratch; }
 
     private:
         ImagePool& m_pool;

@@ -1,7 +1,6 @@
 #include "app/export/motion_frame.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "app/export/video_plan.h"
 #include "engine/flight/flyby_frame.h"
@@ -26,7 +25,7 @@ QSize MotionInputs::frameSize() const
 
 /// The frame from a viewpoint `offset` eye units aside.
 static void renderEyeFrame(const MotionInputs& inputs, int frame, double offset, zre::Image& out,
-                           zre::FlybyScratch* scratch)
+                           zre::FlybyScratch& scratch)
 {
     const int frames = inputs.frames();
     if (!inputs.flyby) {
@@ -42,22 +41,29 @@ static void renderEyeFrame(const MotionInputs& inputs, int frame, double offset,
     const zre::FlybyCamera& camera = inputs.cameras[static_cast<std::size_t>(frame % frames)];
     zre::renderFlybyFrame(*inputs.working, *inputs.depth, camera, inputs.ongoingWiggle,
                           inputs.convergence, inputs.params, out, inputs.stars, nullptr, nullptr,
-                          offset, size.width(), size.height(), scratch);
+                          offset, size.width(), size.height(), &scratch);
+}
+
+void renderMotionEye(const MotionInputs& inputs, int frame, Eye eye, zre::Image& out,
+                     MotionScratch& scratch)
+{
+    const bool isLeft = (eye == Eye::Left) != inputs.params.swapEyes;
+    renderEyeFrame(inputs, frame, isLeft ? 1.0 : -1.0, out, scratch.flyby);
 }
 
 void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out,
-                       zre::FlybyScratch* scratch)
+                       MotionScratch* kept)
 {
+    MotionScratch own;
+    MotionScratch& scratch = kept ? *kept : own;
     if (stereo3d <= kFlat) {
-        renderEyeFrame(inputs, frame, 0.0, out, scratch);
+        renderEyeFrame(inputs, frame, 0.0, out, scratch.flyby);
         return;
     }
-    zre::Image left;
-    zre::Image right;
-    renderEyeFrame(inputs, frame, 1.0, left, scratch);
-    renderEyeFrame(inputs, frame, -1.0, right, scratch);
-    if (inputs.params.swapEyes)
-        std::swap(left, right);
+    zre::Image& left = scratch.left;
+    zre::Image& right = scratch.right;
+    renderMotionEye(inputs, frame, Eye::Left, left, scratch);
+    renderMotionEye(inputs, frame, Eye::Right, right, scratch);
     const QSize size = inputs.frameSize();
     switch (stereo3d) {
     case kSideBySide:

@@ -28,8 +28,27 @@ struct MotionInputs
     QSize frameSize() const;
 };
 
-/// Draws one frame in the stereo format of that row of `kStereoFormats`; eyes are exchanged by
-/// `swapEyes`. A frame beyond the last begins again. `scratch`, which may be null, saves a flyby
-/// fresh memory for every frame.
+/// Memory that drawing a frame takes beside the frame's own; kept from one to the next it saves the
+/// first touch of fresh memory. It serves one thread at a time.
+struct MotionScratch
+{
+    zre::FlybyScratch flyby;
+    zre::Image left;
+    zre::Image right;
+};
+
+enum class Eye
+{
+    Left,
+    Right
+};
+
+/// Draws what one eye sees of a frame; the eyes are exchanged by `swapEyes`. A frame beyond the
+/// last begins again.
+void renderMotionEye(const MotionInputs& inputs, int frame, Eye eye, zre::Image& out,
+                     MotionScratch& scratch);
+
+/// Draws one frame in the stereo format of that row of `kStereoFormats`; else as `renderMotionEye`.
+/// Without `scratch` it has memory of its own.
 void renderMotionFrame(const MotionInputs& inputs, int frame, int stereo3d, zre::Image& out,
-                       zre::FlybyScratch* scratch = nullptr);
+                       MotionScratch* scratch = nullptr);

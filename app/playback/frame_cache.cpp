@@ -100,8 +100,9 @@ bool FrameCache::fill(const Order& order, const Watch& watch)
     const int threads = order.threads > 0 ? order.threads : FrameFarm::threadsFor(m_planned);
     ImagePool pool;
     FrameFarm farm({m_planned, threads, m_planned, true}, [&](int frame) {
-        ImagePool::Loan scratch(pool);
-        return draw(sources[index(sourceOf[index(frame)])], frame, *scratch, &scratch.flyby());
+        ImagePool::Loan picture(pool);
+        return draw(sources[index(sourceOf[index(frame)])], frame, *picture,
+                    &picture.scratch().flyby);
     });
     for (int taken = 0; taken < m_planned && !farm.failed();) {
         farm.waitForNext(kWatchMs);

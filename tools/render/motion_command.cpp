@@ -248,7 +248,7 @@ Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunCont
         const int frame = missing[static_cast<std::size_t>(index)];
         const QString path = framePath(request.output, frame);
         ImagePool::Loan image(pool);
-        renderMotionFrame(inputs, frame, request.stereo3d, *image, &image.flyby());
+        renderMotionFrame(inputs, frame, request.stereo3d, *image, &image.scratch());
         const Outcome written =
             writeStaged(path, *image, nullptr, QString::number(request.bits), context.outputs);
         QString why = written.message;
