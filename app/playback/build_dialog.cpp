@@ -18,7 +18,7 @@ BuildDialog::BuildDialog(const QString& title, QWidget* parent)
     constexpr int kWidth = 340;
     setObjectName("buildDialog");
     setWindowTitle(title);
-    setWindowModality(Qt::WindowModal);
+    setModal(true); // all windows: what is drawn must stay as it is
     auto* layout = new QVBoxLayout(this);
     auto* text = new QLabel("Building preview...", this);
     text->setObjectName("buildText");
@@ -28,11 +28,16 @@ BuildDialog::BuildDialog(const QString& title, QWidget* parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::rejected, this, &BuildDialog::reject);
-    setCursor(Qt::ArrowCursor); // the one that waits is the window's
+    QGuiApplication::setOverrideCursor(Qt::ArrowCursor); // the one that waits is the window's
     setMinimumWidth(kWidth);
     m_longWait->setObjectName("longWait");
     m_longWait->hide();
     m_elapsed.start();
+}
+
+BuildDialog::~BuildDialog()
+{
+    QGuiApplication::restoreOverrideCursor();
 }
 
 bool BuildDialog::advance(int done, int planned)

@@ -14,6 +14,7 @@ class BuildDialog final : public QDialog
 
 public:
     BuildDialog(const QString& title, QWidget* parent);
+    ~BuildDialog() override;
 
     /// Shows how far the work is and lets the user act; false once the user has cancelled.
     bool advance(int done, int planned);
