@@ -191,7 +191,7 @@ void Gather::fillChunk(Cell* cells, int x, int size, int y, float* seen)
 void Gather::prefetch(int channel, int size) const
 {
     constexpr int kSamplesInLine = 16;
-    constexpr int kRowsAhead = 3;
+    constexpr std::ptrdiff_t kRowsAhead = 3;
     const float* const later = m_src.plane(channel) + kRowsAhead * m_src.width;
     for (int i = 0; i < size; i += kSamplesInLine)
         __builtin_prefetch(later + m_first[static_cast<std::size_t>(i)], 0, 2);
