@@ -33,3 +33,10 @@ find_program(ZR_CCACHE ccache)
 if(ZR_CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${ZR_CCACHE})
 endif()
+
+# What a program that starts others needs under the thread sanitizer.
+if(ZR_SANITIZE MATCHES thread)
+    add_library(zr_tsan_children OBJECT ${CMAKE_CURRENT_LIST_DIR}/tsan_children.cpp)
+else()
+    add_library(zr_tsan_children INTERFACE)
+endif()
