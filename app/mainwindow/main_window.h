@@ -93,6 +93,11 @@ public:
     void openRecentDepthMap(const QString& path) { m_recent.openRecentDepthMap(path); }
     void saveImage() { m_stills.saveImage(); }
     void encodeVideo(bool flyby) { m_videos.encodeVideo(flyby); }
+    bool encodeSbsMotionMp4(const QString& ffmpeg, const QString& path, bool flyby,
+                            const QList<QString>& extraArgs, const QString& failureTitle, int width)
+    {
+        return m_videos.encodeSbsMotionMp4({ffmpeg, path, flyby, extraArgs, failureTitle, width});
+    }
     void exportVR180() { m_spatial.exportVR180(); }
     void exportAppleSpatial() { m_spatial.exportAppleSpatial(); }
     /// What the user is told once the window is up.

@@ -3,20 +3,17 @@
 #include <algorithm>
 #include <utility>
 
-#include <QDir>
 #include <QFileInfo>
 
 #include "app/export/still_file.h"
+#include "app/mainwindow/export_place.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
-#include "app/persist/appcfg.h"
-#include "app/session/layer_names.h"
 #include "app/session/output_view.h"
 #include "app/session/session.h"
 
 static constexpr const char* kStillFilters =
     "XISF 32-bit (*.xisf);;TIFF (*.tif);;PNG (*.png);;JPEG (*.jpg);;FITS 32-bit (*.fits)";
-static constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
 
 static const OutputView& currentView(const Session& session)
 {
@@ -27,10 +24,7 @@ static const OutputView& currentView(const Session& session)
 
 QString suggestedStillName(const Session& session)
 {
-    const QString base = session.hasPair() ? layerBaseOf(session.starlessPath)
-                                           : QFileInfo(session.sourcePath).completeBaseName();
-    return QString("%1_%2.xisf")
-        .arg(base.isEmpty() ? QString("zerrith") : base, currentView(session).key);
+    return exportName(session, QString("%1.xisf").arg(currentView(session).key));
 }
 
 StillController::StillController(ShellHost& host, Render render, Made made)
@@ -38,18 +32,6 @@ StillController::StillController(ShellHost& host, Render render, Made made)
     , m_render(std::move(render))
     , m_made(std::move(made))
 {
-}
-
-/// Beside the source before any folder was chosen.
-QString StillController::startPath() const
-{
-    const Session& session = m_host.session();
-    const QString name = suggestedStillName(session);
-    QString start = appcfg::dialogStartPath(kDialog, name, appcfg::Preferred::WorkFolder);
-    if (start != name)
-        return start;
-    const QFileInfo source(session.sourcePath);
-    return (session.sourcePath.isEmpty() ? QDir::home() : source.absoluteDir()).filePath(name);
 }
 
 void StillController::saveImage()
@@ -62,10 +44,11 @@ void StillController::saveImage()
         return;
     }
     const QString word = currentView(session).dialogName;
-    const QString path = m_host.prompter().saveFile("Export " + word, startPath(), kStillFilters);
+    const QString path = m_host.prompter().saveFile(
+        "Export " + word, exportStartPath(session, suggestedStillName(session)), kStillFilters);
     if (path.isEmpty())
         return;
-    appcfg::rememberDialogPath(kDialog, path);
+    rememberExportPath(path);
     m_host.stopPlayback("image export");
 
     zre::Image still;

@@ -25,8 +25,6 @@ public:
     void saveImage();
 
 private:
-    QString startPath() const;
-
     ShellHost& m_host;
     Render m_render;
     Made m_made;

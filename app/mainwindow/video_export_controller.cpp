@@ -2,24 +2,21 @@
 
 #include <utility>
 
-#include <QDir>
 #include <QFileInfo>
 
 #include "app/export/frame_farm.h"
 #include "app/export/motion_pictures.h"
 #include "app/export/spatial_video.h"
-#include "app/export/video_plan.h"
+#include "app/mainwindow/export_place.h"
 #include "app/mainwindow/prompter.h"
 #include "app/mainwindow/shell_host.h"
 #include "app/persist/appcfg.h"
-#include "app/session/layer_names.h"
 #include "app/session/render_pipeline.h"
 #include "app/session/session.h"
 #include "app/video/encode_dialog.h"
 
 namespace {
 
-constexpr const char* kDialog = appcfg::kSettings.exportDialog.key;
 constexpr const char* kExportFailed = "Export failed";
 constexpr const char* kCanceled = "Export canceled.";
 
@@ -92,19 +89,6 @@ bool VideoExportController::confirmFlyby(const MotionFacts& facts, const QString
         .has_value();
 }
 
-QString VideoExportController::startPath(const QString& name) const
-{
-    const Session& session = m_host.session();
-    QString base = session.hasPair() ? layerBaseOf(session.starlessPath)
-                                     : QFileInfo(session.sourcePath).completeBaseName();
-    const QString file = (base.isEmpty() ? QString("zerrith") : base) + "_" + name;
-    QString start = appcfg::dialogStartPath(kDialog, file, appcfg::Preferred::WorkFolder);
-    if (start != file)
-        return start;
-    const QFileInfo source(session.sourcePath);
-    return (session.sourcePath.isEmpty() ? QDir::home() : source.absoluteDir()).filePath(file);
-}
-
 static bool hasSuffix(const QString& path, const QString& suffix)
 {
     const QString has = QFileInfo(path).suffix().toLower();
@@ -116,7 +100,8 @@ QString VideoExportController::askPath(const QString& title, const QString& name
 {
     const QString suffix = QFileInfo(name).suffix();
     Prompter& prompter = m_host.prompter();
-    QString path = prompter.saveFile(title, startPath(name), filter);
+    QString path = prompter.saveFile(
+        title, exportStartPath(m_host.session(), exportName(m_host.session(), name)), filter);
     if (path.isEmpty())
         return path;
     if (!hasSuffix(path, suffix)) {
@@ -126,7 +111,7 @@ QString VideoExportController::askPath(const QString& title, const QString& name
             !prompter.choose(title, QFileInfo(path).fileName() + " exists already.", {"Replace"}))
             return {};
     }
-    appcfg::rememberDialogPath(kDialog, path);
+    rememberExportPath(path);
     return path;
 }
 
@@ -156,6 +141,28 @@ bool VideoExportController::run(const VideoJob& job, const Words& words, VideoRe
     });
 }
 
+std::optional<VideoExportController::Wanted> VideoExportController::askForVideo(bool flyby)
+{
+    const MotionWords& words = wordsOf(flyby);
+    const MotionFacts facts = this->facts(flyby);
+    if (!confirmFlyby(facts, words.title))
+        return std::nullopt;
+    const ExportResults chosen = m_hooks.ask(flyby, facts);
+    if (!chosen.accepted)
+        return std::nullopt;
+    Wanted wanted;
+    wanted.plan.format = chosen.format;
+    wanted.plan.stereo3d = stereoFormatFor(chosen.format, chosen.stereo3d);
+    wanted.plan.box = QSize(chosen.width, chosen.height);
+    wanted.plan.fps = chosen.fps;
+    const VideoFormat& format = kVideoFormats[static_cast<std::size_t>(wanted.plan.format)];
+    const StereoFormat& stereo = kStereoFormats[static_cast<std::size_t>(wanted.plan.stereo3d)];
+    wanted.path =
+        askPath(words.title, QString("%1%2.%3").arg(words.fileName, stereo.suffix, format.suffix),
+                format.filter);
+    return wanted.path.isEmpty() ? std::nullopt : std::optional(wanted);
+}
+
 void VideoExportController::encodeVideo(bool flyby)
 {
     if (m_host.isBusy()) // a menu of the desktop, or a screen reader, reaches past dialogs
@@ -170,55 +177,42 @@ void VideoExportController::encodeVideo(bool flyby)
     }
     m_host.stopPlayback("video export");
     m_hooks.syncParams();
-    const MotionWords& words = wordsOf(flyby);
-    const MotionFacts facts = this->facts(flyby);
-    if (!confirmFlyby(facts, words.title))
-        return;
-    const ExportResults wanted = m_hooks.ask(flyby, facts);
-    if (!wanted.accepted)
-        return;
-    VideoPlan plan;
-    plan.format = wanted.format;
-    plan.stereo3d = stereoFormatFor(wanted.format, wanted.stereo3d);
-    plan.box = QSize(wanted.width, wanted.height);
-    plan.fps = wanted.fps;
-    const VideoFormat& format = kVideoFormats[static_cast<std::size_t>(plan.format)];
-    const StereoFormat& stereo = kStereoFormats[static_cast<std::size_t>(plan.stereo3d)];
-    const QString path =
-        askPath(words.title, QString("%1%2.%3").arg(words.fileName, stereo.suffix, format.suffix),
-                format.filter);
-    if (path.isEmpty())
-        return;
-
+    std::optional<Wanted> wanted = askForVideo(flyby);
     MotionInputs inputs;
-    if (!prepare(flyby, inputs, kExportFailed))
+    if (!wanted || !prepare(flyby, inputs, kExportFailed))
         return;
+    VideoPlan& plan = wanted->plan;
     plan.frame = inputs.frameSize();
     plan.hasStars = inputs.stars && !inputs.stars->empty();
     VideoJob job;
     job.encoder = ffmpeg;
     job.arguments = [&plan](const QString& to) { return encoderArguments(plan, to); };
-    job.path = path;
+    job.path = wanted->path;
     job.packed = packedSize(plan.stereo3d, plan.frame);
     job.frames = inputs.frames();
     job.render = motionPictures(inputs, 0, plan.stereo3d, QImage::Format_RGB888);
+    const QString name = wordsOf(flyby).name;
     const int threads = FrameFarm::threadsFor(frameBatch(job.packed, job.frames));
     m_host.showStatus(QString("Saving %1 using %2 thread%3...")
-                          .arg(words.name)
+                          .arg(name)
                           .arg(threads)
                           .arg(threads == 1 ? "" : "s"));
     VideoResult result;
-    if (!run(job, {"Exporting video", QString("Encoding %1...").arg(words.name)}, result))
-        return;
+    if (run(job, {"Exporting video", QString("Encoding %1...").arg(name)}, result))
+        tellEnd(flyby, job, result);
+}
+
+void VideoExportController::tellEnd(bool flyby, const VideoJob& job, const VideoResult& result)
+{
     if (result.end == VideoEnd::Canceled) {
         m_host.showStatus(kCanceled);
     } else if (result.end == VideoEnd::Failed) {
         m_host.showStatus({});
         m_host.prompter().warn(kExportFailed, result.error);
     } else {
-        const QString done = QString("Exported %1 frames -> %2").arg(job.frames).arg(path);
+        const QString done = QString("Exported %1 frames -> %2").arg(job.frames).arg(job.path);
         m_host.showStatus(done);
-        m_host.prompter().showMade(words.title, done, path);
+        m_host.prompter().showMade(wordsOf(flyby).title, done, job.path);
     }
 }
 

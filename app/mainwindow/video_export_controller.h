@@ -1,12 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include <QSize>
 #include <QString>
 #include <QStringList>
 
 #include "app/export/video_encoder.h"
+#include "app/export/video_plan.h"
 #include "app/session/motion.h"
 #include "app/video/export_dialog.h"
 
@@ -64,8 +66,15 @@ public:
     QString askPath(const QString& title, const QString& name, const QString& filter);
 
 private:
-    QString startPath(const QString& name) const;
+    /// What the user wants of a motion, and where; nothing when there is nothing to be written.
+    struct Wanted
+    {
+        VideoPlan plan; ///< but for the frames, which are not known yet
+        QString path;
+    };
+    std::optional<Wanted> askForVideo(bool flyby);
     bool prepare(bool flyby, MotionInputs& inputs, const QString& failureTitle);
+    void tellEnd(bool flyby, const VideoJob& job, const VideoResult& result);
     bool run(const VideoJob& job, const Words& words, VideoResult& result);
 
     ShellHost& m_host;
