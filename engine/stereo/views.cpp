@@ -8,6 +8,7 @@
 #include "engine/image/raster.h"
 #include "engine/post/post.h"
 #include "engine/stereo/eye.h"
+#include "engine/stereo/warp.h"
 
 namespace zre {
 
@@ -120,7 +121,7 @@ void renderWiggleFrame(const Image& src, const Image& depth, int frame, int fram
         return;
     EyePosition at = wigglePosition(frame, frames, amplitude, p);
     at.x += baseOffset;
-    out = src;
+    shapeEye(src, depth, out);
     const bool occluded = p.starOcclusion > 0.0f;
     Image sceneDepth;
     renderEye(src, depth, out, p.parallaxAmount, convergence, at.x, at.y, p.maxDisparity, 0.0, -1.0,

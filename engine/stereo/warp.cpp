@@ -35,4 +35,17 @@ void shapeDepth(Image& img, int width, int height)
     img.data.resize(img.pixelCount());
 }
 
+void shapeEye(const Image& src, const Image& depth, Image& eye)
+{
+    if (!depth.usable() || !depth.sameSize(src)) {
+        eye = src;
+        return;
+    }
+    eye.data.resize(src.data.size());
+    eye.width = src.width;
+    eye.height = src.height;
+    eye.channels = src.channels;
+    eye.colorModel = src.colorModel;
+}
+
 } // namespace zre

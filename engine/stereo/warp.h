@@ -108,4 +108,8 @@ bool warpable(const Image& src, const Image& depth, const Image& out);
 /// Gives `img` one channel of that size; what it holds is unspecified.
 void shapeDepth(Image& img, int width, int height);
 
+/// Makes `eye` ready for a warp of `src`, which writes every pixel: what it held stays where the
+/// memory fits. With a depth that allows no warp it becomes a copy.
+void shapeEye(const Image& src, const Image& depth, Image& eye);
+
 } // namespace zre

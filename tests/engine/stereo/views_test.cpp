@@ -1,5 +1,6 @@
 #include "engine/stereo/views.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -244,7 +245,8 @@ TEST(PackEyes, SizesThatCannotBeDoubledLeaveTheOutputAlone)
 Image wiggle(const Scene& s, const ZRParams& p, int frame, int frames, double amplitude,
              double baseOffset = 0.0)
 {
-    Image out;
+    Image out(s.src.width + 3, s.src.height + 1, 1); // a frame before this one, of another size
+    std::fill(out.data.begin(), out.data.end(), std::numeric_limits<float>::quiet_NaN());
     zre::renderWiggleFrame(s.src, s.depth, frame, frames, amplitude, 0.4, p, out, nullptr, nullptr,
                            nullptr, baseOffset);
     return out;
