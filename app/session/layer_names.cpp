@@ -87,7 +87,7 @@ QString layerRootOf(const QString& path)
 
 QString layerBaseOf(const QString& path)
 {
-    const QString base = QFileInfo(path).completeBaseName();
+    QString base = QFileInfo(path).completeBaseName();
     const QString root = layerRootOf(path);
     if (layerRoleOf(path) == LayerRole::Whole || root.isEmpty())
         return base;

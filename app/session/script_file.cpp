@@ -29,7 +29,7 @@ QString askScriptToLoad(const AskFile& openFile)
 
 QString askWhereToSave(const AskFile& saveFile, const QString& suggestedName)
 {
-    const QString path = saveFile(kSaveTitle, startPath(suggestedName), kFileFilter);
+    QString path = saveFile(kSaveTitle, startPath(suggestedName), kFileFilter);
     if (path.isEmpty() || !QFileInfo(path).suffix().isEmpty())
         return path;
     const QString named = path + ".zrsc";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <limits>
 #include <new>
 #include <optional>
@@ -56,8 +57,8 @@ ZR_MULTIVERSION void closeRow(const Row& row, uchar* __restrict out)
     const float* const red = row.red;
     const float* const green = row.green;
     const float* const blue = row.blue;
-    const int width = row.width;
-    for (int x = 0; x < width; ++x) {
+    const std::ptrdiff_t width = row.width;
+    for (std::ptrdiff_t x = 0; x < width; ++x) {
         out[3 * x] = static_cast<uchar>(byteOf(red[x]));
         out[3 * x + 1] = static_cast<uchar>(byteOf(green[x]));
         out[3 * x + 2] = static_cast<uchar>(byteOf(blue[x]));
