@@ -50,28 +50,36 @@ static double mix(const float* upper, const float* lower, const Tap& x, double p
     return top + (bottom - top) * part;
 }
 
-/// The taps of a line of `count` output pixels that shows `length` samples from `start` on.
-static std::vector<Tap> lineTaps(int count, double start, double length, int size)
+/// The tap of pixel `i` on a line of `count` that shows `length` samples from `start` on.
+static Tap tapOf(int i, int count, double start, double length, int size)
 {
-    std::vector<Tap> taps(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        taps[static_cast<std::size_t>(i)] = tapAt((i + 0.5) / count * length + start - 0.5, size);
-    return taps;
+    return tapAt((i + 0.5) / count * length + start - 0.5, size);
 }
 
 Taps tapsOf(const Window& window, const Image& eye, const Image& out)
 {
-    return {lineTaps(out.width, window.left, window.width, eye.width),
-            lineTaps(out.height, window.top, window.height, eye.height)};
+    Taps taps;
+    for (int x = 0; x < out.width; ++x) {
+        const Tap tap = tapOf(x, out.width, window.left, window.width, eye.width);
+        taps.columns.low.push_back(tap.low);
+        taps.columns.high.push_back(tap.high);
+        taps.columns.part.push_back(tap.part);
+    }
+    for (int y = 0; y < out.height; ++y)
+        taps.rows.push_back(tapOf(y, out.height, window.top, window.height, eye.height));
+    return taps;
 }
 
-ZR_MULTIVERSION static void mixAlong(const float* __restrict line, const Tap* __restrict taps,
-                                     std::size_t count, double* __restrict out)
+ZR_MULTIVERSION_512 static void mixAlong(const float* __restrict line,
+                                         const std::int32_t* __restrict low,
+                                         const std::int32_t* __restrict high,
+                                         const double* __restrict part, std::size_t count,
+                                         double* __restrict out)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        const double a = line[taps[i].low];
-        const double b = line[taps[i].high];
-        out[i] = a + (b - a) * taps[i].part;
+        const double a = line[low[i]];
+        const double b = line[high[i]];
+        out[i] = a + (b - a) * part[i];
     }
 }
 
@@ -87,7 +95,8 @@ ZR_MULTIVERSION static void mixAcross(const double* __restrict upper,
 void showWindow(const Image& eye, const Taps& taps, Image& out)
 {
     const auto stride = static_cast<std::size_t>(eye.width);
-    const std::size_t count = taps.columns.size();
+    const LineTaps& columns = taps.columns;
+    const std::size_t count = columns.part.size();
     std::vector<double> upper(count);
     std::vector<double> lower(count);
     for (int c = 0; c < std::min(out.channels, eye.channels); ++c) {
@@ -95,8 +104,8 @@ void showWindow(const Image& eye, const Taps& taps, Image& out)
         std::int32_t upperRow = -1;
         std::int32_t lowerRow = -1;
         const auto lay = [&](std::int32_t row, std::vector<double>& line) {
-            mixAlong(eye.plane(c) + stride * static_cast<std::size_t>(row), taps.columns.data(),
-                     count, line.data());
+            mixAlong(eye.plane(c) + stride * static_cast<std::size_t>(row), columns.low.data(),
+                     columns.high.data(), columns.part.data(), count, line.data());
             return row;
         };
         for (const Tap& row : taps.rows) {
@@ -238,7 +247,7 @@ void showTurnedWindow(const Image& eye, const Window& window, const Turn& turn, 
 
 EyeWindow shownBy(const Taps& taps)
 {
-    return {taps.columns.front().low, taps.rows.front().low, taps.columns.back().high + 1,
+    return {taps.columns.low.front(), taps.rows.front().low, taps.columns.high.back() + 1,
             taps.rows.back().high + 1};
 }
 

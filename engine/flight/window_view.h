@@ -25,10 +25,18 @@ struct Tap
     double part = 0.0; ///< of the way from the lower to the higher
 };
 
+/// Those of the pixels of a line, field by field for the sake of vectors.
+struct LineTaps
+{
+    std::vector<std::int32_t> low;
+    std::vector<std::int32_t> high;
+    std::vector<double> part;
+};
+
 /// Of the pixels of a frame that is not turned.
 struct Taps
 {
-    std::vector<Tap> columns;
+    LineTaps columns;
     std::vector<Tap> rows;
 };
 
