@@ -129,11 +129,12 @@ TEST_F(MotionFaults, WhateverBecomesOfTheEncoderTheOldFileStays)
 
 TEST_F(MotionFaults, AFullDiskEndsTheRunWithoutAHalfFile)
 {
-    // No file may grow beyond 4 KB; what a full disk says comes as another word for the same.
+    // No file may grow beyond 4 KB; what a full disk says comes as another word for the same,
+    // and as one of the system's language.
     const auto limited = [&](const std::string& output) {
         return zrtest::runProgramFile(
-            "/bin/sh", {"-c", "trap '' XFSZ; ulimit -f 8; exec " + std::string(ZR_RENDER_PROGRAM) +
-                                  " motion " + at("in.png") +
+            "/bin/sh", {"-c", "trap '' XFSZ; ulimit -f 8; export LC_ALL=C.UTF-8; exec " +
+                                  std::string(ZR_RENDER_PROGRAM) + " motion " + at("in.png") +
                                   " --wiggle --set wiggleFrames=40 -q -o " + at(output)});
     };
     const bool hasFfmpeg = fs::exists("/usr/bin/ffmpeg");
