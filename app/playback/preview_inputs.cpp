@@ -110,6 +110,7 @@ std::vector<const PreviewInputs*> PreviewBuckets::planFrameBuckets(const MotionI
         full.cameras.size() < static_cast<std::size_t>(frames))
         return {};
     std::vector<double> wanted;
+    wanted.reserve(static_cast<std::size_t>(frames));
     for (int i = 0; i < frames; ++i)
         wanted.push_back(bucketScaleFor(fraction, full.cameras[static_cast<std::size_t>(i)].zoom));
     std::vector<double> ladder = wanted;
@@ -119,6 +120,7 @@ std::vector<const PreviewInputs*> PreviewBuckets::planFrameBuckets(const MotionI
     const auto same = [](double a, double b) { return std::abs(a - b) <= kSameScale; };
     ladder.erase(std::unique(ladder.begin(), ladder.end(), same), ladder.end());
     std::vector<const PreviewInputs*> buckets;
+    buckets.reserve(ladder.size());
     for (const double scale : ladder)
         buckets.push_back(bucketFor(full, scale));
     const bool allHeld =

@@ -199,7 +199,7 @@ Outcome openInputs(const Invocation& invocation, Session& session, Console& cons
                                     ? StretchMode::None
                                     : StretchMode::Auto;
     console.progress(0, QStringLiteral("Loading image..."));
-    const Outcome outcome = openDocument(invocation, stretch, session);
+    Outcome outcome = openDocument(invocation, stretch, session);
     if (!outcome.isDone())
         return outcome;
     QString error;
