@@ -41,6 +41,8 @@ bool EncoderWords::explains(const QByteArray& line)
     if (text.empty() || text.front() == ' ' || text.front() == '\t' ||
         beginsWithAny(text, kReports))
         return false;
+    if (text.starts_with("[swscaler") && text.find("deprecated pixel format") != text.npos)
+        return false; // of a JPEG, which it reads well
     const std::size_t name = text.find("] ");
     return !text.starts_with("[libx264") || name == std::string_view::npos ||
            !beginsWithAny(text.substr(name + 2), kStatistics);

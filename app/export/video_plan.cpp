@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "engine/image/raster.h"
 
 static const QString kEvenCrop = QStringLiteral("crop=trunc(iw/2)*2:trunc(ih/2)*2");
 
@@ -67,6 +71,25 @@ VideoFit videoFit(const VideoPlan& plan)
     return {{evenSide(packed.width() * scale), evenSide(packed.height() * scale)},
             {boxWidth, boxHeight},
             factor < 0.999};
+}
+
+void fitFrame(const VideoFit& fit, zre::Image& frame)
+{
+    zre::Image picture;
+    zre::areaResample(frame, fit.picture.width(), fit.picture.height(), picture);
+    if (fit.picture == fit.video) {
+        frame = std::move(picture);
+        return;
+    }
+    frame = zre::Image(fit.video.width(), fit.video.height(), picture.colorModel);
+    const int left = (frame.width - picture.width) / 2;
+    const int top = (frame.height - picture.height) / 2;
+    for (int c = 0; c < frame.channels; ++c)
+        for (int y = 0; y < picture.height; ++y) {
+            const float* const row = picture.plane(c) + std::ptrdiff_t{y} * picture.width;
+            std::copy(row, row + picture.width,
+                      frame.plane(c) + std::ptrdiff_t{top + y} * frame.width + left);
+        }
 }
 
 QString videoFilter(const VideoPlan& plan)

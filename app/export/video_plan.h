@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "engine/image/image.h"
+
 /// The kinds of moving picture; the row number is what the settings keep.
 struct VideoFormat
 {
@@ -96,6 +98,9 @@ struct VideoFit
     bool partsEyes(int stereo3d) const;
 };
 VideoFit videoFit(const VideoPlan& plan);
+
+/// Brings a packed frame to where the fit has it, with black around it, as the encoder does.
+void fitFrame(const VideoFit& fit, zre::Image& frame);
 
 /// The encoder's filter: an even size, or the picture fitted into the box, never enlarged, with
 /// black around it.

@@ -250,7 +250,7 @@ inline constexpr std::array kOptions{
                "how both eyes travel in one picture: flat (the default), red/cyan, side by side in full or half "
                "width, or one above the other"},
     OptionSpec{Option::Size, 0, "size", "WxH", Completes::Nothing, kAnyValue, false, false, kMotion,
-               "fit the video into this box, 16 to 32768 pixels a side, without enlarging; the picture's size without "
+               "fit the frames into this box, with black around them, 16 to 32768 pixels a side, without enlarging; the picture's size without "
                "this option"},
     OptionSpec{Option::Fps, 0, "fps", "N", Completes::Nothing, kAnyValue, false, false, kMotion,
                "frames a second, 1 to 240; without it what the script or the parameter wiggleFps says"},

@@ -99,8 +99,6 @@ Outcome checkTogether(const Invocation& invocation, const Request& request)
         return Outcome::usage(QStringLiteral("a GIF takes --stereo 2d or anaglyph only"));
     if (!request.flyby && invocation.has(Option::ScriptSize))
         return Outcome::usage(QStringLiteral("--script-size is for --flyby"));
-    if (isFolder && invocation.has(Option::Size))
-        return Outcome::usage(QStringLiteral("--size is for videos: frames keep their size"));
     if (!isFolder && (request.resume || invocation.has(Option::Bits)))
         return Outcome::usage(QStringLiteral("--resume and --bits are for folders of frames"));
     return Outcome::done();
@@ -232,9 +230,16 @@ struct Made
 Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunContext& context,
                      Made& made)
 {
+    VideoPlan plan;
+    plan.stereo3d = request.stereo3d;
+    plan.box = request.box;
+    plan.frame = inputs.frameSize();
+    const VideoFit fit = videoFit(plan);
+    if (!request.box.isEmpty())
+        made.written = fit.video;
     std::vector<int> missing;
     for (int frame = request.first; frame < request.end; ++frame)
-        if (!isCompleteFrame(framePath(request.output, frame), made.size, request.bits))
+        if (!isCompleteFrame(framePath(request.output, frame), made.written, request.bits))
             missing.push_back(frame);
     made.kept = made.frames - static_cast<int>(missing.size());
     QString error;
@@ -249,6 +254,8 @@ Outcome renderFolder(const Request& request, const MotionInputs& inputs, RunCont
         const QString path = framePath(request.output, frame);
         ImagePool::Loan image(pool);
         renderMotionFrame(inputs, frame, request.stereo3d, *image, &image.scratch());
+        if (!request.box.isEmpty())
+            fitFrame(fit, *image);
         const Outcome written =
             writeStaged(path, *image, nullptr, QString::number(request.bits), context.outputs);
         QString why = written.message;

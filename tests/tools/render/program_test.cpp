@@ -3,6 +3,7 @@
 #include <fstream>
 #include <sstream>
 
+#include <QImage>
 #include <QJsonDocument>
 #include <gmock/gmock.h>
 
@@ -445,6 +446,24 @@ TEST_F(Program, FramesOfAMotionComeInPartsAsInOneRunAndOnlyTheMissingAreRendered
             EXPECT_EQ(bytesOf(entry.path()), bytesOf(folder / "parts" / entry.path().filename()))
                 << how << entry.path();
     }
+}
+
+TEST_F(Program, FramesAreFittedAsAVideoIs)
+{
+    const QString line = "motion @in.tif --stretch none --wiggle --set wiggleFrames=2 -o ";
+    ok(line + "@frames --size 20x20");
+    const QImage frame(QString::fromStdString((folder / "frames" / "frame_00001.png").string()));
+    EXPECT_EQ(frame.size(), QSize(20, 20));
+    for (const int y : {0, 3, 16, 19})
+        EXPECT_EQ(frame.pixelColor(10, y).value(), 0) << y;
+    EXPECT_GT(frame.pixelColor(10, 10).value(), 0);
+    ok(line + "@large --size 200x100");
+    const QImage large(QString::fromStdString((folder / "large" / "frame_00000.png").string()));
+    ok(line + "@whole");
+    const QImage whole(QString::fromStdString((folder / "whole" / "frame_00000.png").string()));
+    EXPECT_EQ(large.copy(82, 38, 36, 24).convertToFormat(QImage::Format_RGB32),
+              whole.convertToFormat(QImage::Format_RGB32))
+        << "never enlarged";
 }
 
 TEST_F(Program, AScriptForAPictureOfAnotherSizeFliesTheSamePath)
