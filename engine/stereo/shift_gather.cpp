@@ -58,8 +58,10 @@ ZR_KERNEL_STEP void placeCells(const Warp warp, const Cells cells, const float* 
         const Displacement moved = displacement(warp, 0.0, 0.0, bridgedDepth(z, i, still));
         const Place u = placeOf(cells.x + i, moved.x);
         const Place v = placeOf(cells.y, moved.y);
-        const bool clear =
-            (std::fabs(u.offset) < kClearlyNearest) & (std::fabs(v.offset) < kClearlyNearest);
+        // An empty cell's place may be none that an integer holds.
+        const bool clear = (std::fabs(u.offset) < kClearlyNearest) &
+                           (std::fabs(v.offset) < kClearlyNearest) & (std::fabs(u.first) < -kOdd) &
+                           (std::fabs(v.first) < -kOdd);
         fu[i] = u.fraction;
         fv[i] = v.fraction;
         column[i] = static_cast<std::int32_t>(clear ? u.first : kOdd);
